@@ -1,0 +1,60 @@
+/**
+    Real Fourier transform over all channels of a signal, sized by its first use.
+
+    A spectrum of N real samples has N/2 + 1 bins for each channel, bin 0 (DC) to bin N/2 (Nyquist). Neither
+    direction scales: forward then inverse gives N times the input, and whoever uses the pair divides where it
+    is cheapest.
+
+        FourierTransform transform;
+        ComplexSignal32 spectrum(signal.numChannels, signal.numSamples / 2 + 1);
+        transform.forwardReal(signal, spectrum);
+
+    One object follows whatever length comes along, but every change of length builds new tables: keep one
+    object for each length. Lengths are powers of two; any other length silently gives a transform of the next
+    lower one. Nothing here throws: the kernels' statuses are not looked at.
+
+    Thread: one at a time (the scratch memory is the object's).
+*/
+#pragma once
+
+#include "core/Signal.h"
+#include "core/kernels.h"
+
+#include <cstdint>
+
+namespace vesk::audio
+{
+
+class FourierTransform
+{
+public:
+    FourierTransform() = default;
+    ~FourierTransform();
+    FourierTransform(const FourierTransform&) = delete;
+    FourierTransform& operator=(const FourierTransform&) = delete;
+
+    /** Builds the tables for a length in samples. real chooses the transform of real sequences, the only one
+        that the operations below use. */
+    void allocate(int size, bool real);
+
+    /** @param output  dimensioned by the caller, input's channels by N/2 + 1 bins, and owned by it alone */
+    void forwardReal(const Signal32& input, ComplexSignal32& output);
+
+    /** @param output  dimensioned by the caller, input's channels by 2 bins - 2 samples */
+    void inverseReal(const ComplexSignal32& input, Signal32& output);
+    Signal32 inverseReal(const ComplexSignal32& input);
+
+    FftSpec* complexSpec = nullptr;
+    FftSpec* realSpec = nullptr;
+    int size = 0;  ///< transform length N in samples
+    int order = 0; ///< floor of the binary logarithm of N
+
+private:
+    void free();
+
+    std::uint8_t* specMemory = nullptr;
+    std::uint8_t* workBuffer = nullptr;
+    std::uint8_t* initBuffer = nullptr;
+};
+
+} // namespace vesk::audio
