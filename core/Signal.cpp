@@ -3,8 +3,10 @@
 #include "core/VectorOps.h"
 #include "core/kernels.h"
 
+#include <algorithm>
 #include <cassert>
 #include <type_traits>
+#include <utility>
 
 namespace vesk::audio
 {

@@ -117,7 +117,7 @@ IppStatus ippsMulC_32f(const float* src, float c, float* dst, int n);
     and the IEEE result. */
 IppStatus ippsDiv_32f(const float* a, const float* b, float* dst, int n);
 
-/** The largest element, signed. NaNs are passed over unless all elements are NaN. */
+/** The largest element, signed. NaNs are passed over; minus infinity if there is nothing else. */
 IppStatus ippsMax_32f(const float* src, int n, float* max);
 
 /** dst[i] = magnitude[i] * (cos phase[i] + j sin phase[i]); phase in radians. */

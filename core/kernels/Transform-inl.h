@@ -1,0 +1,601 @@
+// Real Fourier transform. Compiled once for each instruction set, see VectorKernels.cpp.
+//
+// N real samples are read as N/2 complex points (even samples real, odd ones imaginary), transformed, and
+// untangled into the spectrum of the real sequence. The complex transform of M points on vectors of W lanes
+// goes in three steps:
+//
+//   1. Lane w transforms the M/W points whose index is w modulo W, by a self-sorting radix-4 scheme (Stockham).
+//      All lanes do the same with the same factors, so there is nothing to shuffle.
+//   2. Blocks of W rows are transposed and multiplied by exp(-2 pi j w k / M).
+//   3. A transform of W points across what were the lanes, again vertical, gives rows k, k + M/W, ...
+//
+// The inverse is the forward transform with real and imaginary parts exchanged on both sides.
+//
+// During step 1 the points lie as pairs of vectors (W real parts, then W imaginary parts), so that each pass
+// reads and writes as few streams as possible.
+
+#if defined(AMBREL_TRANSFORM_INL_H) == defined(HWY_TARGET_TOGGLE)
+#ifdef AMBREL_TRANSFORM_INL_H
+#undef AMBREL_TRANSFORM_INL_H
+#else
+#define AMBREL_TRANSFORM_INL_H
+#endif
+
+#include "hwy/highway.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace vesk::audio::kernels
+{
+namespace HWY_NAMESPACE
+{
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+/** A vector of complex numbers. */
+template <class V>
+struct ComplexVector
+{
+    V re, im;
+};
+
+template <class V>
+HWY_INLINE ComplexVector<V> operator+(ComplexVector<V> a, ComplexVector<V> b)
+{
+    return {hn::Add(a.re, b.re), hn::Add(a.im, b.im)};
+}
+
+template <class V>
+HWY_INLINE ComplexVector<V> operator-(ComplexVector<V> a, ComplexVector<V> b)
+{
+    return {hn::Sub(a.re, b.re), hn::Sub(a.im, b.im)};
+}
+
+template <class V>
+HWY_INLINE ComplexVector<V> operator*(ComplexVector<V> a, ComplexVector<V> b)
+{
+    return {hn::NegMulAdd(a.im, b.im, hn::Mul(a.re, b.re)), hn::MulAdd(a.re, b.im, hn::Mul(a.im, b.re))};
+}
+
+/** -j a */
+template <class V>
+HWY_INLINE ComplexVector<V> timesMinusJ(ComplexVector<V> a)
+{
+    return {a.im, hn::Neg(a.re)};
+}
+
+template <class D>
+HWY_INLINE ComplexVector<hn::VFromD<D>> broadcast(D d, const float* factor)
+{
+    return {hn::Set(d, factor[0]), hn::Set(d, factor[1])};
+}
+
+//==============================================================================
+// Where the points of a pass come from and go to
+
+/** Pairs of vectors in aligned scratch memory. */
+template <class D>
+struct PairedPoints
+{
+    float* memory;
+
+    HWY_INLINE ComplexVector<hn::VFromD<D>> load(std::size_t index) const
+    {
+        const D d;
+        const float* p = memory + 2 * hn::Lanes(d) * index;
+        return {hn::Load(d, p), hn::Load(d, p + hn::Lanes(d))};
+    }
+
+    HWY_INLINE void store(std::size_t index, ComplexVector<hn::VFromD<D>> value) const
+    {
+        const D d;
+        float* p = memory + 2 * hn::Lanes(d) * index;
+        hn::Store(value.re, d, p);
+        hn::Store(value.im, d, p + hn::Lanes(d));
+    }
+};
+
+/** Interleaved real and imaginary parts in memory of the caller. */
+template <class D>
+struct InterleavedSource
+{
+    const float* memory;
+
+    HWY_INLINE ComplexVector<hn::VFromD<D>> load(std::size_t index) const
+    {
+        const D d;
+        ComplexVector<hn::VFromD<D>> value{hn::Undefined(d), hn::Undefined(d)};
+        hn::LoadInterleaved2(d, memory + 2 * hn::Lanes(d) * index, value.re, value.im);
+        return value;
+    }
+};
+
+/** Result in two arrays of scratch memory; offset counts points. */
+template <class D>
+struct SplitResult
+{
+    float* re;
+    float* im;
+
+    HWY_INLINE void store(std::size_t offset, ComplexVector<hn::VFromD<D>> value) const
+    {
+        const D d;
+        hn::Store(value.re, d, re + offset);
+        hn::Store(value.im, d, im + offset);
+    }
+};
+
+/** Result of an inverse transform, interleaved with the parts exchanged back. */
+template <class D>
+struct ExchangedInterleavedResult
+{
+    float* memory;
+
+    HWY_INLINE void store(std::size_t offset, ComplexVector<hn::VFromD<D>> value) const
+    {
+        hn::StoreInterleaved2(value.im, value.re, D(), memory + 2 * offset);
+    }
+};
+
+//==============================================================================
+// Step 1: Stockham passes over rows, decimation in frequency
+
+/** One butterfly of four points stride * quarter apart. The results still want their factors. */
+template <class V>
+HWY_INLINE void butterfly4(ComplexVector<V>& a, ComplexVector<V>& b, ComplexVector<V>& c, ComplexVector<V>& d)
+{
+    const auto sumAC = a + c;
+    const auto sumBD = b + d;
+    const auto differenceAC = a - c;
+    const auto differenceBD = timesMinusJ(b - d);
+    a = sumAC + sumBD;
+    b = differenceAC + differenceBD;
+    c = sumAC - sumBD;
+    d = differenceAC - differenceBD;
+}
+
+template <class D, class Source>
+HWY_INLINE void radix4Pass(D d, const Source& source, PairedPoints<D> target, std::size_t size, std::size_t stride,
+                           const float* twiddles)
+{
+    const std::size_t quarter = size / 4;
+    for (std::size_t p = 0; p < quarter; ++p)
+    {
+        const auto w1 = broadcast(d, twiddles + 6 * p);
+        const auto w2 = broadcast(d, twiddles + 6 * p + 2);
+        const auto w3 = broadcast(d, twiddles + 6 * p + 4);
+        for (std::size_t q = 0; q < stride; ++q)
+        {
+            auto a = source.load(q + stride * p);
+            auto b = source.load(q + stride * (p + quarter));
+            auto c = source.load(q + stride * (p + 2 * quarter));
+            auto e = source.load(q + stride * (p + 3 * quarter));
+            butterfly4(a, b, c, e);
+            target.store(q + stride * (4 * p), a);
+            target.store(q + stride * (4 * p + 1), b * w1);
+            target.store(q + stride * (4 * p + 2), c * w2);
+            target.store(q + stride * (4 * p + 3), e * w3);
+        }
+    }
+}
+
+/** The last pass of a length 4^n: a single butterfly, all factors 1. */
+template <class D, class Source>
+HWY_INLINE void lastRadix4Pass(D, const Source& source, PairedPoints<D> target, std::size_t stride)
+{
+    for (std::size_t q = 0; q < stride; ++q)
+    {
+        auto a = source.load(q);
+        auto b = source.load(q + stride);
+        auto c = source.load(q + 2 * stride);
+        auto e = source.load(q + 3 * stride);
+        butterfly4(a, b, c, e);
+        target.store(q, a);
+        target.store(q + stride, b);
+        target.store(q + 2 * stride, c);
+        target.store(q + 3 * stride, e);
+    }
+}
+
+template <class D, class Source>
+HWY_INLINE void lastRadix2Pass(D, const Source& source, PairedPoints<D> target, std::size_t stride)
+{
+    for (std::size_t q = 0; q < stride; ++q)
+    {
+        const auto a = source.load(q);
+        const auto b = source.load(q + stride);
+        target.store(q, a + b);
+        target.store(q + stride, a - b);
+    }
+}
+
+template <class D, class Source>
+HWY_INLINE void runPass(D d, const Source& source, PairedPoints<D> target, std::size_t size, std::size_t stride,
+                        const float* twiddles)
+{
+    if (size > 4)
+        radix4Pass(d, source, target, size, stride, twiddles);
+    else if (size == 4)
+        lastRadix4Pass(d, source, target, stride);
+    else
+        lastRadix2Pass(d, source, target, stride);
+}
+
+/** All passes; returns which of the two scratch areas holds the rows in natural order. */
+template <class D, class Source>
+HWY_INLINE PairedPoints<D> transformRows(D d, const Source& source, const FftTables& tables, float* first,
+                                         float* second)
+{
+    const float* twiddles = tables.passTwiddles;
+    std::size_t size = tables.rows;
+    std::size_t stride = 1;
+    PairedPoints<D> target{first};
+    PairedPoints<D> other{second};
+
+    runPass(d, source, target, size, stride, twiddles);
+    while (size > 4)
+    {
+        twiddles += 6 * (size / 4);
+        size /= 4;
+        stride *= 4;
+        if (size == 1)
+            break;
+        runPass(d, target, other, size, stride, twiddles);
+        std::swap(target, other);
+    }
+    return target;
+}
+
+//==============================================================================
+// Steps 2 and 3: joining the lanes
+
+/** Transposes 4 rows within each 128-bit block. */
+template <class D, class V>
+HWY_INLINE void transposeWithinBlocks(D d, V& r0, V& r1, V& r2, V& r3)
+{
+    const hn::Repartition<std::uint64_t, D> pairs;
+    const auto low01 = hn::BitCast(pairs, hn::InterleaveLower(d, r0, r1));
+    const auto high01 = hn::BitCast(pairs, hn::InterleaveUpper(d, r0, r1));
+    const auto low23 = hn::BitCast(pairs, hn::InterleaveLower(d, r2, r3));
+    const auto high23 = hn::BitCast(pairs, hn::InterleaveUpper(d, r2, r3));
+    r0 = hn::BitCast(d, hn::InterleaveLower(pairs, low01, low23));
+    r1 = hn::BitCast(d, hn::InterleaveUpper(pairs, low01, low23));
+    r2 = hn::BitCast(d, hn::InterleaveLower(pairs, high01, high23));
+    r3 = hn::BitCast(d, hn::InterleaveUpper(pairs, high01, high23));
+}
+
+template <std::size_t lanes, class D, class V>
+HWY_INLINE void transpose(D d, V* rows)
+{
+    for (std::size_t group = 0; group < lanes; group += 4)
+        transposeWithinBlocks(d, rows[group], rows[group + 1], rows[group + 2], rows[group + 3]);
+
+    if constexpr (lanes == 8)
+    {
+        for (std::size_t i = 0; i < 4; ++i)
+        {
+            const V low = rows[i];
+            const V high = rows[i + 4];
+            rows[i] = hn::ConcatLowerLower(d, high, low);
+            rows[i + 4] = hn::ConcatUpperUpper(d, high, low);
+        }
+    }
+    if constexpr (lanes == 16)
+    {
+        for (std::size_t i = 0; i < 4; ++i)
+        {
+            const V a = rows[i];
+            const V b = rows[i + 4];
+            const V c = rows[i + 8];
+            const V e = rows[i + 12];
+            const V lowAC = hn::ConcatLowerLower(d, c, a);
+            const V lowBD = hn::ConcatLowerLower(d, e, b);
+            const V highAC = hn::ConcatUpperUpper(d, c, a);
+            const V highBD = hn::ConcatUpperUpper(d, e, b);
+            rows[i] = hn::OddEvenBlocks(hn::SwapAdjacentBlocks(lowBD), lowAC);
+            rows[i + 4] = hn::OddEvenBlocks(lowBD, hn::SwapAdjacentBlocks(lowAC));
+            rows[i + 8] = hn::OddEvenBlocks(hn::SwapAdjacentBlocks(highBD), highAC);
+            rows[i + 12] = hn::OddEvenBlocks(highBD, hn::SwapAdjacentBlocks(highAC));
+        }
+    }
+}
+
+/** cos and sin of -2 pi k / 16 */
+inline constexpr float sixteenths[8][2] = {
+    {1.0f, -0.0f},           {0.923879533f, -0.382683432f},  {0.707106781f, -0.707106781f},
+    {0.382683432f, -0.923879533f}, {0.0f, -1.0f},            {-0.382683432f, -0.923879533f},
+    {-0.707106781f, -0.707106781f}, {-0.923879533f, -0.382683432f}};
+
+/** exp(-2 pi j k / 16) a, for k from 0 to 9 */
+template <std::size_t k, class D, class V>
+HWY_INLINE ComplexVector<V> timesSixteenth(D d, ComplexVector<V> a)
+{
+    if constexpr (k == 0)
+        return a;
+    else if constexpr (k == 4)
+        return timesMinusJ(a);
+    else if constexpr (k == 2)
+    {
+        const V half = hn::Set(d, sixteenths[2][0]);
+        return {hn::Mul(half, hn::Add(a.re, a.im)), hn::Mul(half, hn::Sub(a.im, a.re))};
+    }
+    else if constexpr (k == 6)
+    {
+        const V half = hn::Set(d, sixteenths[2][0]);
+        return {hn::Mul(half, hn::Sub(a.im, a.re)), hn::Neg(hn::Mul(half, hn::Add(a.re, a.im)))};
+    }
+    else if constexpr (k == 9)
+        return a * ComplexVector<V>{hn::Set(d, -sixteenths[1][0]), hn::Set(d, -sixteenths[1][1])};
+    else
+        return a * broadcast(d, sixteenths[k]);
+}
+
+/** Transform of lanes points in registers, in natural order. */
+template <std::size_t lanes, class D, class C>
+HWY_INLINE void transformAcross(D d, C* x)
+{
+    if constexpr (lanes == 4)
+    {
+        butterfly4(x[0], x[1], x[2], x[3]);
+    }
+    else if constexpr (lanes == 8)
+    {
+        C even[4] = {x[0], x[2], x[4], x[6]};
+        C odd[4] = {x[1], x[3], x[5], x[7]};
+        transformAcross<4>(d, even);
+        transformAcross<4>(d, odd);
+        odd[1] = timesSixteenth<2>(d, odd[1]);
+        odd[2] = timesSixteenth<4>(d, odd[2]);
+        odd[3] = timesSixteenth<6>(d, odd[3]);
+        for (std::size_t i = 0; i < 4; ++i)
+        {
+            x[i] = even[i] + odd[i];
+            x[i + 4] = even[i] - odd[i];
+        }
+    }
+    else
+    {
+        // Four by four: columns of points 4 apart, factors, then rows.
+        for (std::size_t i = 0; i < 4; ++i)
+            butterfly4(x[i], x[i + 4], x[i + 8], x[i + 12]);
+        x[5] = timesSixteenth<1>(d, x[5]);
+        x[9] = timesSixteenth<2>(d, x[9]);
+        x[13] = timesSixteenth<3>(d, x[13]);
+        x[6] = timesSixteenth<2>(d, x[6]);
+        x[10] = timesSixteenth<4>(d, x[10]);
+        x[14] = timesSixteenth<6>(d, x[14]);
+        x[7] = timesSixteenth<3>(d, x[7]);
+        x[11] = timesSixteenth<6>(d, x[11]);
+        x[15] = timesSixteenth<9>(d, x[15]);
+        for (std::size_t row = 0; row < 4; ++row)
+            butterfly4(x[4 * row], x[4 * row + 1], x[4 * row + 2], x[4 * row + 3]);
+        for (std::size_t i = 0; i < 4; ++i)
+            for (std::size_t k = i + 1; k < 4; ++k)
+                std::swap(x[4 * i + k], x[4 * k + i]);
+    }
+}
+
+template <std::size_t lanes, class D, class Result>
+HWY_INLINE void joinLanes(D d, PairedPoints<D> rows, const FftTables& tables, const Result& result)
+{
+    using V = hn::VFromD<D>;
+    const float* twiddles = tables.joinTwiddles;
+    for (std::size_t k = 0; k < tables.rows; k += lanes)
+    {
+        V re[lanes];
+        V im[lanes];
+        for (std::size_t i = 0; i < lanes; ++i)
+        {
+            const auto value = rows.load(k + i);
+            re[i] = value.re;
+            im[i] = value.im;
+        }
+        transpose<lanes>(d, re);
+        transpose<lanes>(d, im);
+
+        ComplexVector<V> points[lanes];
+        points[0] = {re[0], im[0]};
+        for (std::size_t w = 1; w < lanes; ++w)
+        {
+            const ComplexVector<V> factor{hn::Load(d, twiddles), hn::Load(d, twiddles + lanes)};
+            points[w] = ComplexVector<V>{re[w], im[w]} * factor;
+            twiddles += 2 * lanes;
+        }
+        transformAcross<lanes>(d, points);
+        for (std::size_t q = 0; q < lanes; ++q)
+            result.store(k + tables.rows * q, points[q]);
+    }
+}
+
+//==============================================================================
+// From the complex transform of N/2 points to the spectrum of N real samples, and back
+
+/** X[k] = (Z[k] + conj Z[M-k]) / 2 - j/2 exp(-2 pi j k / N) (Z[k] - conj Z[M-k]), and X[M-k] likewise. */
+template <class D>
+HWY_INLINE void untangle(D d, const FftTables& tables, SplitResult<D> z, Complex* spectrum)
+{
+    using V = hn::VFromD<D>;
+    const std::size_t length = tables.length;
+    const std::size_t lanes = hn::Lanes(d);
+    float* dst = asFloats(spectrum);
+    const V half = hn::Set(d, 0.5f);
+
+    // Half the length is a whole number of vectors. Its own bin is met from both sides, with the same result.
+    for (std::size_t k = 1; k <= length / 2; k += lanes)
+    {
+        const std::size_t mirrored = length - k - lanes + 1;
+        const ComplexVector<V> a{hn::LoadU(d, z.re + k), hn::LoadU(d, z.im + k)};
+        const ComplexVector<V> b{hn::Reverse(d, hn::LoadU(d, z.re + mirrored)),
+                                 hn::Neg(hn::Reverse(d, hn::LoadU(d, z.im + mirrored)))};
+        const ComplexVector<V> factor{hn::LoadU(d, tables.realCosines + k), hn::LoadU(d, tables.realSines + k)};
+        const auto even = a + b;
+        const auto odd = timesMinusJ((a - b) * factor);
+        const auto low = even + odd;
+        const auto high = even - odd;
+        hn::StoreInterleaved2(hn::Mul(half, low.re), hn::Mul(half, low.im), d, dst + 2 * k);
+        hn::StoreInterleaved2(hn::Reverse(d, hn::Mul(half, high.re)), hn::Neg(hn::Reverse(d, hn::Mul(half, high.im))),
+                              d, dst + 2 * mirrored);
+    }
+
+    const float re = z.re[0];
+    const float im = z.im[0];
+    spectrum[0] = Complex(re + im, 0.0f);
+    spectrum[length] = Complex(re - im, 0.0f);
+}
+
+/** Z[k] = X[k] + conj X[M-k] + j exp(2 pi j k / N) (X[k] - conj X[M-k]), with exchanged parts, two arrays. */
+template <class D>
+HWY_INLINE void tangle(D d, const FftTables& tables, const Complex* spectrum, float* exchangedRe, float* exchangedIm)
+{
+    using V = hn::VFromD<D>;
+    const std::size_t length = tables.length;
+    const std::size_t lanes = hn::Lanes(d);
+    const float* src = asFloats(spectrum);
+
+    // Half the length is a whole number of vectors. Its own bin is met from both sides, with the same result.
+    for (std::size_t k = 1; k <= length / 2; k += lanes)
+    {
+        const std::size_t mirrored = length - k - lanes + 1;
+        ComplexVector<V> a{hn::Undefined(d), hn::Undefined(d)};
+        ComplexVector<V> b{hn::Undefined(d), hn::Undefined(d)};
+        hn::LoadInterleaved2(d, src + 2 * k, a.re, a.im);
+        hn::LoadInterleaved2(d, src + 2 * mirrored, b.re, b.im);
+        b = {hn::Reverse(d, b.re), hn::Neg(hn::Reverse(d, b.im))};
+        const ComplexVector<V> factor{hn::LoadU(d, tables.realCosines + k),
+                                      hn::Neg(hn::LoadU(d, tables.realSines + k))};
+        const auto even = a + b;
+        const auto minusOdd = timesMinusJ((a - b) * factor);
+        const auto low = even - minusOdd;
+        const auto high = even + minusOdd;
+        hn::StoreU(low.im, d, exchangedRe + k);
+        hn::StoreU(low.re, d, exchangedIm + k);
+        hn::StoreU(hn::Neg(hn::Reverse(d, high.im)), d, exchangedRe + mirrored);
+        hn::StoreU(hn::Reverse(d, high.re), d, exchangedIm + mirrored);
+    }
+
+    const float dc = spectrum[0].real();
+    const float nyquist = spectrum[length].real();
+    exchangedIm[0] = dc + nyquist;
+    exchangedRe[0] = dc - nyquist;
+}
+
+/** Points in two arrays, aligned. */
+template <class D>
+struct SplitSource
+{
+    const float* re;
+    const float* im;
+
+    HWY_INLINE ComplexVector<hn::VFromD<D>> load(std::size_t index) const
+    {
+        const D d;
+        const std::size_t offset = hn::Lanes(d) * index;
+        return {hn::Load(d, re + offset), hn::Load(d, im + offset)};
+    }
+};
+
+//==============================================================================
+// Short transforms, by definition
+
+HWY_INLINE void forwardDirect(const float* src, Complex* dst, const FftTables& tables, float* work)
+{
+    const std::size_t size = 2 * tables.length;
+    const std::size_t mask = size - 1;
+    for (std::size_t n = 0; n < size; ++n)
+        work[n] = src[n];
+    for (std::size_t k = 0; k <= tables.length; ++k)
+    {
+        float re = 0.0f;
+        float im = 0.0f;
+        for (std::size_t n = 0; n < size; ++n)
+        {
+            re += work[n] * tables.realCosines[(k * n) & mask];
+            im += work[n] * tables.realSines[(k * n) & mask];
+        }
+        const bool isReal = k == 0 || k == tables.length;
+        dst[k] = Complex(re, isReal ? 0.0f : im);
+    }
+}
+
+HWY_INLINE void inverseDirect(const Complex* src, float* dst, const FftTables& tables, float* work)
+{
+    const std::size_t size = 2 * tables.length;
+    const std::size_t mask = size - 1;
+    for (std::size_t k = 0; k <= tables.length; ++k)
+    {
+        work[2 * k] = src[k].real();
+        work[2 * k + 1] = src[k].imag();
+    }
+    for (std::size_t n = 0; n < size; ++n)
+    {
+        float sum = work[0] + (n % 2 == 0 ? work[size] : -work[size]);
+        for (std::size_t k = 1; k < tables.length; ++k)
+            sum += 2.0f * (work[2 * k] * tables.realCosines[(k * n) & mask] +
+                           work[2 * k + 1] * tables.realSines[(k * n) & mask]);
+        dst[n] = sum;
+    }
+}
+
+//==============================================================================
+
+template <std::size_t lanes>
+HWY_INLINE void forwardVector(const float* src, Complex* dst, const FftTables& tables, float* work)
+{
+    const hn::CappedTag<float, lanes> d;
+    using D = hn::CappedTag<float, lanes>;
+    float* first = work;
+    float* second = work + 2 * tables.length;
+    const auto rows = transformRows(d, InterleavedSource<D>{src}, tables, first, second);
+    float* free = rows.memory == first ? second : first;
+    const SplitResult<D> z{free, free + tables.length};
+    joinLanes<lanes>(d, rows, tables, z);
+    untangle(d, tables, z, dst);
+}
+
+template <std::size_t lanes>
+HWY_INLINE void inverseVector(const Complex* src, float* dst, const FftTables& tables, float* work)
+{
+    const hn::CappedTag<float, lanes> d;
+    using D = hn::CappedTag<float, lanes>;
+    float* first = work;
+    float* second = work + 2 * tables.length;
+    tangle(d, tables, src, second, second + tables.length);
+    const auto rows =
+        transformRows(d, SplitSource<D>{second, second + tables.length}, tables, first, second);
+    joinLanes<lanes>(d, rows, tables, ExchangedInterleavedResult<D>{dst});
+}
+
+HWY_INLINE void forwardRealTransform(const float* src, Complex* dst, const FftTables& tables, float* work)
+{
+    switch (tables.lanes)
+    {
+#if HWY_MAX_BYTES >= 64
+        case 16: return forwardVector<16>(src, dst, tables, work);
+#endif
+#if HWY_MAX_BYTES >= 32
+        case 8: return forwardVector<8>(src, dst, tables, work);
+#endif
+        case 4: return forwardVector<4>(src, dst, tables, work);
+        default: return forwardDirect(src, dst, tables, work);
+    }
+}
+
+HWY_INLINE void inverseRealTransform(const Complex* src, float* dst, const FftTables& tables, float* work)
+{
+    switch (tables.lanes)
+    {
+#if HWY_MAX_BYTES >= 64
+        case 16: return inverseVector<16>(src, dst, tables, work);
+#endif
+#if HWY_MAX_BYTES >= 32
+        case 8: return inverseVector<8>(src, dst, tables, work);
+#endif
+        case 4: return inverseVector<4>(src, dst, tables, work);
+        default: return inverseDirect(src, dst, tables, work);
+    }
+}
+
+} // namespace HWY_NAMESPACE
+} // namespace vesk::audio::kernels
+HWY_AFTER_NAMESPACE();
+
+#endif
