@@ -1,0 +1,131 @@
+/**
+    The late tail: a feedback delay network of 16 lines, joined by a Hadamard matrix (J.-M. Jot and A.
+   Chaigne, "Digital delay networks for designing artificial reverberators", 1991).
+
+                     +-----------------------------------------------------------------------+
+                     |                                                                       |
+        input --> inject --> delay --> gain --> [shelf] --> damping --> Hadamard --+--> swap channels
+                              (16 lines, each with all channels)                   |
+                                                                                   +--> line 15: output
+
+    Every signal is 1, 2 or 4 channels wide: mono, left and right, or the four corners of a square (front
+   left, front right, rear left, rear right). On its way back each line exchanges its channels, so a sound
+   moves from side to side with every pass, and with four channels on the even lines between front and rear.
+
+    Decay. A line of delay t must lose 60 dB t / T for a reverb time of T seconds. Its broadband gain is that
+   of the low-frequency time, and a high shelf makes up the difference above the crossover; without a
+   difference the shelf rests. A one-pole low-pass adds the faster decay of high frequencies. The matrix is
+   orthogonal once its norm of 4 has been taken out, which the line gains do, so these three alone decide the
+   decay.
+
+    Frames. Each line is a ring whose length is its delay: what is read at the ring's position is one delay
+   old, and the feedback goes back to the same place. Nothing that is written in a frame is read again before
+   the shortest line has gone round, so whole frames up to that length are computed with vector operations.
+   Frames are cut shorter still, so that a frame of all lines stays in the processor's first-level cache. The
+   cut does not change the result.
+
+        FeedbackNetwork network;
+        network.setLines(2, 48000.0, 30.0f);                  // stereo
+        network.setDecay({.reverbTime = 2.0f, .lowTimeScale = 100.0f, .crossoverFrequency = 250.0f,
+                          .dampingFrequency = 12000.0f});
+        Signal32 tail = network.process(block);               // any length
+
+    Cost: for each sample and channel 16 one-pole filters, 64 additions of the matrix, and 16 second-order
+   filters if the shelf runs. process allocates its result alone. Thread: one at a time.
+*/
+#pragma once
+
+#include "core/MemoryPool.h"
+#include "core/Signal.h"
+#include "dsp/IirCoefficients.h"
+#include "dsp/IirFilter.h"
+
+#include <array>
+#include <vector>
+
+namespace vesk::audio
+{
+
+class FeedbackNetwork
+{
+public:
+    static constexpr int numLines = 16;
+    static constexpr int maxChannels = 4;
+
+    struct Decay
+    {
+        float reverbTime;         ///< s, for 60 dB
+        float lowTimeScale;       ///< percent of reverbTime below the crossover
+        float crossoverFrequency; ///< Hz
+        float dampingFrequency;   ///< Hz
+    };
+
+    FeedbackNetwork();
+
+    /** Sizes all lines and empties them; the filters keep their state. To be followed by setDecay.
+        @param channels  1, 2 or 4
+        @param roomSize  percent: 0 scales the delays by 1, 100 by 5 */
+    void setLines(int channels, double sampleRate, float roomSize);
+
+    /** Sets gains and filters under a running tail. */
+    void setDecay(const Decay& decay);
+
+    /** A block of setLines' channels, of any length. The first sound comes one line delay after the input. */
+    Signal32 process(const Signal32& input);
+
+    /** Clears the filters' state. The lines are emptied by setLines alone. */
+    void resetFilters();
+
+    /** Samples in a line's channel: its delay. */
+    int getLineLength(int line, int channel) const { return lines[index(line)].rings[index(channel)].length; }
+
+private:
+    /** Memory of one line's channel. position is where the oldest sample is read and the newest written. */
+    struct Ring
+    {
+        float* samples = nullptr;
+        int length = 0;
+        int position = 0;
+    };
+
+    struct Line
+    {
+        std::array<Ring, maxChannels> rings;
+        float gain = 0.0f; ///< with the matrix's normalisation of 1/4
+        IirFilter32 shelf;
+        IirFilter32 damping;
+    };
+
+    using Buffer = std::vector<float, PoolAllocator<float>>;
+
+    static constexpr std::size_t index(int i) { return static_cast<std::size_t>(i); }
+
+    int getFrameLimit() const;
+    int getSwappedChannel(int line, int channel) const;
+    float* getLineFrame(Buffer& frames, int line, int length)
+    {
+        return frames.data() + line * numChannels * length;
+    }
+
+    void processFrame(const Signal32& input, Signal32& output, int start, int length);
+    void readLines(int length);
+    void filterLines(int length);
+    void mixLines(int length);
+    void prepareInjection(const Signal32& input, int start, int length);
+    void writeLines(int length);
+
+    int numChannels = 0;
+    double sampleRate = 0.0;
+    float roomScale = 1.0f; ///< 1 to 5
+    bool shelfActive = false;
+
+    std::array<Line, numLines> lines;
+    Buffer ringMemory;
+
+    // Work of one frame, channels of a line one after the other: [line][channel][sample].
+    Buffer lineFrames;
+    Buffer mixFrames;
+    Buffer injection; ///< what the even and the odd lines receive: [parity][channel][sample]
+};
+
+} // namespace vesk::audio
