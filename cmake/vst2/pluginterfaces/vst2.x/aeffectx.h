@@ -1,0 +1,1 @@
+#include <pluginterfaces/fst/aeffectx.h>
