@@ -26,8 +26,8 @@ public:
     /** Appends a block. One longer than maxBlockSize first grows the ring. */
     void add(const S& block);
 
-    /** Changes the modulus. Growing keeps the history in order, with zeros before it; shrinking only wraps the
-        positions and keeps the memory. Called between blocks, when both positions are equal. */
+    /** Changes the modulus. Growing keeps the history in order, with zeros before it; shrinking only wraps
+       the positions and keeps the memory. Called between blocks, when both positions are equal. */
     void resize(int newCapacity);
 
     /** Copies destination's length, for its channels, from offset against readPosition; offset down to

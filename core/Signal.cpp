@@ -32,7 +32,8 @@ void fill(double value, double* dst, int n) { check(ippsSet_64f(value, dst, n));
 template <typename T>
 bool isWithin([[maybe_unused]] const Signal<T>& inner, [[maybe_unused]] const Signal<T>& outer)
 {
-    return inner.numSamples < 1 || (outer.numChannels >= inner.numChannels && outer.numSamples >= inner.numSamples);
+    return inner.numSamples < 1 ||
+           (outer.numChannels >= inner.numChannels && outer.numSamples >= inner.numSamples);
 }
 } // namespace
 

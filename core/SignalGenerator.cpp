@@ -44,8 +44,8 @@ Signal<T> SignalGenerator<T>::generateSinusRamp(int channels, int samples, float
     if (amplitude > 0.0f)
         return ramp + tone;
     for (int channel = 0; channel < channels && samples > 0; ++channel)
-        check(ippsSub_32f(tone.getChannelPtr(channel), ramp.getChannelPtr(channel), ramp.getWriteChannelPtr(channel),
-                          samples));
+        check(ippsSub_32f(tone.getChannelPtr(channel), ramp.getChannelPtr(channel),
+                          ramp.getWriteChannelPtr(channel), samples));
     return ramp;
 }
 

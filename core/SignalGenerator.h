@@ -17,8 +17,8 @@ class SignalGenerator
 {
 public:
     /** amplitude * cos(2 pi frequency / sampleRate n + phase); phase in radians, advanced by the call. */
-    static Signal<T> generateTone(int channels, int samples, float sampleRate, float amplitude, float frequency,
-                                  float& phase);
+    static Signal<T> generateTone(int channels, int samples, float sampleRate, float amplitude,
+                                  float frequency, float& phase);
 
     /** from + (to - from) / 2 (1 - cos(pi n / samples)): starts at from, ends one step short of to. */
     static Signal<T> generateSinusRamp(int channels, int samples, float from, float to);

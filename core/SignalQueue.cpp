@@ -78,7 +78,8 @@ void SignalQueue<S>::peek(int offset, S& destination) const
         const auto start = static_cast<int>(position);
         const int count = std::min(block.numSamples - start, length - done);
         for (int channel = 0; channel < destination.numChannels; ++channel)
-            vo::copy(block.getChannelPtr(channel) + start, destination.getWriteChannelPtr(channel) + done, count);
+            vo::copy(block.getChannelPtr(channel) + start, destination.getWriteChannelPtr(channel) + done,
+                     count);
         done += count;
         position = 0;
     }

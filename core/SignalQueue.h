@@ -26,7 +26,8 @@ template <typename S>
 class SignalQueue
 {
 public:
-    /** Stores a shared copy. A block without data or samples is ignored. The first block fixes numChannels. */
+    /** Stores a shared copy. A block without data or samples is ignored. The first block fixes numChannels.
+     */
     void add(const S& block);
 
     /** Moves the oldest samples into destination, as many as it is long, for its channels. */
@@ -48,7 +49,7 @@ public:
     /** Back to the state of a new queue. */
     void clear();
 
-    std::int64_t numSamples = 0; ///< waiting, for each channel
+    std::int64_t numSamples = 0;           ///< waiting, for each channel
     std::list<S, PoolAllocator<S>> blocks; ///< oldest first
     int readOffset = 0;                    ///< samples of the oldest block already taken
     int numChannels = -1;                  ///< -1 until the first block

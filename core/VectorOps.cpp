@@ -50,22 +50,22 @@ RandomState initializeRandomGenerator(RandomDistribution distribution, float sca
     int bytes = 0;
     switch (distribution)
     {
-        case Gaussian:
-        {
-            check(ippsRandGaussGetSize_32f(&bytes));
-            auto* memory = allocateState(bytes);
-            check(ippsRandGaussInit_32f(static_cast<RandomGaussState*>(memory), 0.0f, scale, seed));
-            return {memory, distribution};
-        }
-        case Uniform:
-        {
-            constexpr float squareRootOf3 = 1.7320508f;
-            const float limit = scale * squareRootOf3;
-            check(ippsRandUniformGetSize_32f(&bytes));
-            auto* memory = allocateState(bytes);
-            check(ippsRandUniformInit_32f(static_cast<RandomUniformState*>(memory), -limit, limit, seed));
-            return {memory, distribution};
-        }
+    case Gaussian:
+    {
+        check(ippsRandGaussGetSize_32f(&bytes));
+        auto* memory = allocateState(bytes);
+        check(ippsRandGaussInit_32f(static_cast<RandomGaussState*>(memory), 0.0f, scale, seed));
+        return {memory, distribution};
+    }
+    case Uniform:
+    {
+        constexpr float squareRootOf3 = 1.7320508f;
+        const float limit = scale * squareRootOf3;
+        check(ippsRandUniformGetSize_32f(&bytes));
+        auto* memory = allocateState(bytes);
+        check(ippsRandUniformInit_32f(static_cast<RandomUniformState*>(memory), -limit, limit, seed));
+        return {memory, distribution};
+    }
     }
     throw std::invalid_argument("Unknown random distribution in call to initializeRandomGenerator.");
 }

@@ -27,30 +27,44 @@ const char* ippGetStatusString(IppStatus status)
 {
     switch (status)
     {
-        case ippStsNoErr: return "ippStsNoErr: No errors.";
-        case ippStsNullPtrErr: return "ippStsNullPtrErr: Null pointer error.";
-        case ippStsSizeErr: return "ippStsSizeErr: Incorrect value for data size.";
-        case ippStsBadArgErr: return "ippStsBadArgErr: Incorrect arg/param of the function.";
-        case ippStsContextMatchErr:
-            return "ippStsContextMatchErr: Context parameter does not match the operation.";
-        case ippStsMemAllocErr: return "ippStsMemAllocErr: Memory allocated for the operation is not enough.";
-        case ippStsDivByZeroErr: return "ippStsDivByZeroErr: An attempt to divide by zero.";
-        case ippStsDivByZero: return "ippStsDivByZero: Zero value(s) for the divisor in the Div function.";
-        case ippStsToneMagnErr: return "ippStsToneMagnErr: Tone magnitude is less than, or equal to zero.";
-        case ippStsToneFreqErr:
-            return "ippStsToneFreqErr: Tone frequency is negative, or greater than, or equal to 0.5.";
-        case ippStsTonePhaseErr:
-            return "ippStsTonePhaseErr: Tone phase is negative, or greater than, or equal to 2*PI.";
-        case ippStsSampleFactorErr:
-            return "ippStsSampleFactorErr: Sampling factor is less than, or equal to zero.";
-        case ippStsSamplePhaseErr:
-            return "ippStsSamplePhaseErr: Phase value is out of range: 0 <= phase < factor.";
-        case ippStsFIRLenErr: return "ippStsFIRLenErr: Length of a FIR filter is less than, or equal to zero.";
-        case ippStsIIROrderErr: return "ippStsIIROrderErr: Order of an IIR filter is not valid.";
-        case ippStsFftFlagErr: return "ippStsFftFlagErr: Invalid value for the FFT flag parameter.";
-        case ippStsFftOrderErr: return "ippStsFftOrderErr: Invalid value for the FFT order parameter.";
-        case ippStsThresholdErr: return "ippStsThresholdErr: Invalid threshold bounds.";
-        default: return "ippStsUnknownStatusCodeErr: Unknown status code.";
+    case ippStsNoErr:
+        return "ippStsNoErr: No errors.";
+    case ippStsNullPtrErr:
+        return "ippStsNullPtrErr: Null pointer error.";
+    case ippStsSizeErr:
+        return "ippStsSizeErr: Incorrect value for data size.";
+    case ippStsBadArgErr:
+        return "ippStsBadArgErr: Incorrect arg/param of the function.";
+    case ippStsContextMatchErr:
+        return "ippStsContextMatchErr: Context parameter does not match the operation.";
+    case ippStsMemAllocErr:
+        return "ippStsMemAllocErr: Memory allocated for the operation is not enough.";
+    case ippStsDivByZeroErr:
+        return "ippStsDivByZeroErr: An attempt to divide by zero.";
+    case ippStsDivByZero:
+        return "ippStsDivByZero: Zero value(s) for the divisor in the Div function.";
+    case ippStsToneMagnErr:
+        return "ippStsToneMagnErr: Tone magnitude is less than, or equal to zero.";
+    case ippStsToneFreqErr:
+        return "ippStsToneFreqErr: Tone frequency is negative, or greater than, or equal to 0.5.";
+    case ippStsTonePhaseErr:
+        return "ippStsTonePhaseErr: Tone phase is negative, or greater than, or equal to 2*PI.";
+    case ippStsSampleFactorErr:
+        return "ippStsSampleFactorErr: Sampling factor is less than, or equal to zero.";
+    case ippStsSamplePhaseErr:
+        return "ippStsSamplePhaseErr: Phase value is out of range: 0 <= phase < factor.";
+    case ippStsFIRLenErr:
+        return "ippStsFIRLenErr: Length of a FIR filter is less than, or equal to zero.";
+    case ippStsIIROrderErr:
+        return "ippStsIIROrderErr: Order of an IIR filter is not valid.";
+    case ippStsFftFlagErr:
+        return "ippStsFftFlagErr: Invalid value for the FFT flag parameter.";
+    case ippStsFftOrderErr:
+        return "ippStsFftOrderErr: Invalid value for the FFT order parameter.";
+    case ippStsThresholdErr:
+        return "ippStsThresholdErr: Invalid threshold bounds.";
+    default:
+        return "ippStsUnknownStatusCodeErr: Unknown status code.";
     }
 }
 
@@ -296,7 +310,8 @@ IppStatus ippsTone_32f(float* dst, int n, float magnitude, float frequency, floa
     return ippStsNoErr;
 }
 
-IppStatus ippsMul_32fc(const std::complex<float>* a, const std::complex<float>* b, std::complex<float>* dst, int n)
+IppStatus ippsMul_32fc(const std::complex<float>* a, const std::complex<float>* b, std::complex<float>* dst,
+                       int n)
 {
     if (const auto status = checkArrays(n, a, b, dst); status != ippStsNoErr)
         return status;
@@ -304,8 +319,8 @@ IppStatus ippsMul_32fc(const std::complex<float>* a, const std::complex<float>* 
     return ippStsNoErr;
 }
 
-IppStatus ippsAddProduct_32fc(const std::complex<float>* a, const std::complex<float>* b, std::complex<float>* acc,
-                              int n)
+IppStatus ippsAddProduct_32fc(const std::complex<float>* a, const std::complex<float>* b,
+                              std::complex<float>* acc, int n)
 {
     if (const auto status = checkArrays(n, a, b, acc); status != ippStsNoErr)
         return status;
@@ -355,9 +370,11 @@ IppStatus checkResampling(const float* src, int srcLength, const float* dst, con
 
 } // namespace
 
-IppStatus ippsSampleUp_32f(const float* src, int srcLength, float* dst, int* dstLength, int factor, int* phase)
+IppStatus ippsSampleUp_32f(const float* src, int srcLength, float* dst, int* dstLength, int factor,
+                           int* phase)
 {
-    if (const auto status = checkResampling(src, srcLength, dst, dstLength, factor, phase); status != ippStsNoErr)
+    if (const auto status = checkResampling(src, srcLength, dst, dstLength, factor, phase);
+        status != ippStsNoErr)
         return status;
     if (srcLength > std::numeric_limits<int>::max() / factor)
         return ippStsSizeErr;
@@ -368,9 +385,11 @@ IppStatus ippsSampleUp_32f(const float* src, int srcLength, float* dst, int* dst
     return ippStsNoErr;
 }
 
-IppStatus ippsSampleDown_32f(const float* src, int srcLength, float* dst, int* dstLength, int factor, int* phase)
+IppStatus ippsSampleDown_32f(const float* src, int srcLength, float* dst, int* dstLength, int factor,
+                             int* phase)
 {
-    if (const auto status = checkResampling(src, srcLength, dst, dstLength, factor, phase); status != ippStsNoErr)
+    if (const auto status = checkResampling(src, srcLength, dst, dstLength, factor, phase);
+        status != ippStsNoErr)
         return status;
     int written = 0;
     for (std::int64_t i = *phase; i < srcLength; i += factor)
@@ -414,7 +433,8 @@ IppStatus ippsFIRSRGetSize(int tapsLength, int dataType, int* specBytes, int* bu
     if (dataType != ippDataType32f)
         return ippStsBadArgErr;
     *specBytes = static_cast<int>(sizeof(FirSpec) + 2 * toSize(tapsLength) * sizeof(float));
-    *bufferBytes = static_cast<int>((toSize(tapsLength) - 1 + firPieceLength) * sizeof(float) + kernels::cacheLine);
+    *bufferBytes =
+        static_cast<int>((toSize(tapsLength) - 1 + firPieceLength) * sizeof(float) + kernels::cacheLine);
     return ippStsNoErr;
 }
 
@@ -438,8 +458,8 @@ IppStatus ippsFIRSRInit_32f(const float* taps, int tapsLength, int algorithm, Fi
     return ippStsNoErr;
 }
 
-IppStatus ippsFIRSR_32f(const float* src, float* dst, int n, const FirSpec* spec, const float* dlySrc, float* dlyDst,
-                        std::uint8_t* buffer)
+IppStatus ippsFIRSR_32f(const float* src, float* dst, int n, const FirSpec* spec, const float* dlySrc,
+                        float* dlyDst, std::uint8_t* buffer)
 {
     if (const auto status = checkArrays(n, src, dst, spec, buffer); status != ippStsNoErr)
         return status;
@@ -587,9 +607,15 @@ IppStatus getDelayLine(const State* state, T* dst)
 
 } // namespace
 
-IppStatus ippsIIRGetStateSize_32f(int order, int* bytes) { return getRecursiveSize<IirState32, float>(order, bytes); }
+IppStatus ippsIIRGetStateSize_32f(int order, int* bytes)
+{
+    return getRecursiveSize<IirState32, float>(order, bytes);
+}
 
-IppStatus ippsIIRGetStateSize_64f(int order, int* bytes) { return getRecursiveSize<IirState64, double>(order, bytes); }
+IppStatus ippsIIRGetStateSize_64f(int order, int* bytes)
+{
+    return getRecursiveSize<IirState64, double>(order, bytes);
+}
 
 IppStatus ippsIIRInit_32f(IirState32** state, const float* taps, int order, const float* delayLine,
                           std::uint8_t* buffer)
@@ -735,16 +761,18 @@ IppStatus ippsRandUniformInit_32f(RandomUniformState* state, float low, float hi
 
 IppStatus ippsRandGauss_32f(float* dst, int n, RandomGaussState* state)
 {
-    return generate(dst, n, state, [state](float* values, std::uint64_t block) {
-        state->kernels->gaussianBlock(values, block, state->key, state->first, state->second);
-    });
+    return generate(dst, n, state,
+                    [state](float* values, std::uint64_t block) {
+                        state->kernels->gaussianBlock(values, block, state->key, state->first, state->second);
+                    });
 }
 
 IppStatus ippsRandUniform_32f(float* dst, int n, RandomUniformState* state)
 {
-    return generate(dst, n, state, [state](float* values, std::uint64_t block) {
-        state->kernels->uniformBlock(values, block, state->key, state->first, state->second);
-    });
+    return generate(dst, n, state,
+                    [state](float* values, std::uint64_t block) {
+                        state->kernels->uniformBlock(values, block, state->key, state->first, state->second);
+                    });
 }
 
 } // namespace vesk::audio

@@ -135,11 +135,12 @@ IppStatus ippsConvert_64f32f(const double* src, float* dst, int n);
 IppStatus ippsTone_32f(float* dst, int n, float magnitude, float frequency, float* phase, int hint);
 
 /** dst[i] = a[i] * b[i], complex. */
-IppStatus ippsMul_32fc(const std::complex<float>* a, const std::complex<float>* b, std::complex<float>* dst, int n);
+IppStatus ippsMul_32fc(const std::complex<float>* a, const std::complex<float>* b, std::complex<float>* dst,
+                       int n);
 
 /** acc[i] += a[i] * b[i], complex. */
-IppStatus ippsAddProduct_32fc(const std::complex<float>* a, const std::complex<float>* b, std::complex<float>* acc,
-                              int n);
+IppStatus ippsAddProduct_32fc(const std::complex<float>* a, const std::complex<float>* b,
+                              std::complex<float>* acc, int n);
 
 /** dst[i] = atan2(Im, Re) of src[i], radians. */
 IppStatus ippsPhase_32fc(const std::complex<float>* src, float* dst, int n);
@@ -154,10 +155,13 @@ IppStatus ippsThreshold_LTValGTVal_32f(const float* src, float* dst, int n, floa
 
 /** Writes srcLength * factor samples: sample i at index i * factor + *phase, zeros elsewhere. *dstLength is
     set, *phase stays. Needs factor above 0 and 0 <= *phase < factor. Not in place. */
-IppStatus ippsSampleUp_32f(const float* src, int srcLength, float* dst, int* dstLength, int factor, int* phase);
+IppStatus ippsSampleUp_32f(const float* src, int srcLength, float* dst, int* dstLength, int factor,
+                           int* phase);
 
-/** dst[i] = src[i * factor + *phase] for all indices below srcLength; *dstLength is set to the number written. */
-IppStatus ippsSampleDown_32f(const float* src, int srcLength, float* dst, int* dstLength, int factor, int* phase);
+/** dst[i] = src[i * factor + *phase] for all indices below srcLength; *dstLength is set to the number
+ * written. */
+IppStatus ippsSampleDown_32f(const float* src, int srcLength, float* dst, int* dstLength, int factor,
+                             int* phase);
 
 //==============================================================================
 // Fourier transform of length N = 2^order.
@@ -175,7 +179,8 @@ inline constexpr int ippMaxFftOrder = 26;
 struct FftSpec;
 
 IppStatus ippsFFTGetSize_R_32f(int order, int flag, int hint, int* specBytes, int* initBytes, int* workBytes);
-IppStatus ippsFFTGetSize_C_32fc(int order, int flag, int hint, int* specBytes, int* initBytes, int* workBytes);
+IppStatus ippsFFTGetSize_C_32fc(int order, int flag, int hint, int* specBytes, int* initBytes,
+                                int* workBytes);
 
 /** Builds the tables in specMemory (specBytes long, any alignment) and sets *spec. initBuffer is not needed
     and may be null. */
@@ -186,10 +191,12 @@ IppStatus ippsFFTInit_C_32fc(FftSpec** spec, int order, int flag, int hint, std:
 
 /** X[k] = sum over n of x[n] exp(-2 pi j k n / N), N/2 + 1 bins in CCS layout.
     @param work  workBytes of scratch, any alignment. src and dst may be the same memory. */
-IppStatus ippsFFTFwd_RToCCS_32f(const float* src, std::complex<float>* dst, const FftSpec* spec, std::uint8_t* work);
+IppStatus ippsFFTFwd_RToCCS_32f(const float* src, std::complex<float>* dst, const FftSpec* spec,
+                                std::uint8_t* work);
 
 /** The inverse of the above, without division by N. The imaginary parts of bins 0 and N/2 are not read. */
-IppStatus ippsFFTInv_CCSToR_32f(const std::complex<float>* src, float* dst, const FftSpec* spec, std::uint8_t* work);
+IppStatus ippsFFTInv_CCSToR_32f(const std::complex<float>* src, float* dst, const FftSpec* spec,
+                                std::uint8_t* work);
 
 //==============================================================================
 // FIR filters, single rate, direct form.
@@ -211,14 +218,14 @@ IppStatus ippsFIRSRInit_32f(const float* taps, int tapsLength, int algorithm, Fi
     @param dlyDst  if not null, receives the last tapsLength - 1 inputs in the same order, after all reads of
                    dlySrc, so that the two may be the same array
     @param buffer  bufferBytes of scratch, any alignment */
-IppStatus ippsFIRSR_32f(const float* src, float* dst, int n, const FirSpec* spec, const float* dlySrc, float* dlyDst,
-                        std::uint8_t* buffer);
+IppStatus ippsFIRSR_32f(const float* src, float* dst, int n, const FirSpec* spec, const float* dlySrc,
+                        float* dlyDst, std::uint8_t* buffer);
 
 //==============================================================================
 // IIR filters: y[i] = (sum b[k] x[i-k] - sum over k >= 1 of a[k] y[i-k]) / a0.
 //
-// Transposed direct form II, so that a filter keeps running without a jump when its delay values are handed to
-// new taps. taps holds 2 (order + 1) values: b0 ... b_order, a0 ... a_order. A zero a0 gives
+// Transposed direct form II, so that a filter keeps running without a jump when its delay values are handed
+// to new taps. taps holds 2 (order + 1) values: b0 ... b_order, a0 ... a_order. A zero a0 gives
 // ippStsDivByZeroErr.
 
 struct IirState32;
@@ -227,7 +234,8 @@ struct IirState64;
 IppStatus ippsIIRGetStateSize_32f(int order, int* bytes);
 IppStatus ippsIIRGetStateSize_64f(int order, int* bytes);
 
-/** Builds a state in buffer (any alignment) and sets *state. delayLine holds order values; null means zeros. */
+/** Builds a state in buffer (any alignment) and sets *state. delayLine holds order values; null means zeros.
+ */
 IppStatus ippsIIRInit_32f(IirState32** state, const float* taps, int order, const float* delayLine,
                           std::uint8_t* buffer);
 IppStatus ippsIIRInit_64f(IirState64** state, const double* taps, int order, const double* delayLine,

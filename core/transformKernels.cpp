@@ -77,8 +77,8 @@ struct TableSizes
 
 void writeUnitVector(std::size_t numerator, std::size_t denominator, float& cosine, float& sine)
 {
-    const double angle =
-        -2.0 * std::numbers::pi * static_cast<double>(numerator % denominator) / static_cast<double>(denominator);
+    const double angle = -2.0 * std::numbers::pi * static_cast<double>(numerator % denominator) /
+                         static_cast<double>(denominator);
     cosine = static_cast<float>(std::cos(angle));
     sine = static_cast<float>(std::sin(angle));
 }
@@ -100,7 +100,8 @@ void fillJoinTwiddles(const FftTables& tables, float* twiddles)
         for (std::size_t w = 1; w < tables.lanes; ++w)
         {
             for (std::size_t lane = 0; lane < tables.lanes; ++lane)
-                writeUnitVector(w * (block + lane), tables.length, twiddles[lane], twiddles[tables.lanes + lane]);
+                writeUnitVector(w * (block + lane), tables.length, twiddles[lane],
+                                twiddles[tables.lanes + lane]);
             twiddles += 2 * tables.lanes;
         }
 }
@@ -195,12 +196,14 @@ IppStatus ippsFFTInit_R_32f(FftSpec** spec, int order, int flag, int, std::uint8
     return init(spec, order, flag, true, specMemory);
 }
 
-IppStatus ippsFFTInit_C_32fc(FftSpec** spec, int order, int flag, int, std::uint8_t* specMemory, std::uint8_t*)
+IppStatus ippsFFTInit_C_32fc(FftSpec** spec, int order, int flag, int, std::uint8_t* specMemory,
+                             std::uint8_t*)
 {
     return init(spec, order, flag, false, specMemory);
 }
 
-IppStatus ippsFFTFwd_RToCCS_32f(const float* src, std::complex<float>* dst, const FftSpec* spec, std::uint8_t* work)
+IppStatus ippsFFTFwd_RToCCS_32f(const float* src, std::complex<float>* dst, const FftSpec* spec,
+                                std::uint8_t* work)
 {
     if (const auto status = checkRun(src, dst, spec, work); status != ippStsNoErr)
         return status;
@@ -211,7 +214,8 @@ IppStatus ippsFFTFwd_RToCCS_32f(const float* src, std::complex<float>* dst, cons
     return ippStsNoErr;
 }
 
-IppStatus ippsFFTInv_CCSToR_32f(const std::complex<float>* src, float* dst, const FftSpec* spec, std::uint8_t* work)
+IppStatus ippsFFTInv_CCSToR_32f(const std::complex<float>* src, float* dst, const FftSpec* spec,
+                                std::uint8_t* work)
 {
     if (const auto status = checkRun(src, dst, spec, work); status != ippStsNoErr)
         return status;

@@ -4,8 +4,8 @@
 
     The response is cut into a head of 128 taps, computed in direct form, and partitions of growing size
     (128, 256, 512, ...), each an overlap-save convolver whose results wait in a queue until they are due
-    (W. G. Gardner, "Efficient convolution without input-output delay", 1995). When the block length is a power
-    of two of at least 128, one FFT partition as long as the block takes the place of the head and of the
+    (W. G. Gardner, "Efficient convolution without input-output delay", 1995). When the block length is a
+   power of two of at least 128, one FFT partition as long as the block takes the place of the head and of the
     partitions that lie inside it.
 
         FirFilter filter;
@@ -50,8 +50,8 @@ public:
     FirFilter(const FirFilter&) = delete;
     FirFilter& operator=(const FirFilter&) = delete;
 
-    /** @param period  every how many doublings an extra half-size partition comes; above 0. Takes effect at the
-                       next setMultipleIRs. */
+    /** @param period  every how many doublings an extra half-size partition comes; above 0. Takes effect at
+       the next setMultipleIRs. */
     void setLoadDistribution(bool enable, int period);
 
     void setImpulseResponse(const Signal32& impulseResponse);
@@ -94,8 +94,110 @@ private:
     void updatePartitionSizes();
     void updatePartitions();
     void updateBlockSize(int length);
-    void addBlock(const Signal32& block);
-    void advance(int length);
+    void createBlockPartition();
+    void beginBlock(const Signal32& block);
+    void endBlock(int length);
+    void computeMultiple(const Signal32& block);
+
+    std::vector<Signal32> results; ///< of the present block, one for each response
+};
+
+//==============================================================================
+
+/** One overlap-save convolver for a slice of the responses.
+
+    A frame of fftSize samples, the second half of it new, gives fftSize / 2 samples of output. A frame that
+    ends at input time t yields the output from t - size + offset to t + offset, so with an offset of at least
+    the partition's size the results are ready before they are due, however the stream is cut into blocks:
+   each frame is computed in the first block that holds its last sample, and waits in a queue.
+
+    An offset of 0 is allowed if all blocks are exactly as long as the partition: then one frame for each
+   block, over the block before and this one, yields this block's output (the FFT head). */
+class FirFilter::Partition
+{
+public:
+    /** @param offset  where the slice starts in the responses
+        @param size    length of the slice, a power of two */
+    Partition(int numChannels, int numImpulseResponses, int offset, int size);
+
+    /** Takes the slices. A response that ends before the offset gives silence. The queues stay. */
+    void setImpulseResponses(const std::vector<Signal32>& responses);
+
+    /** Result k, as long as outputs[0], for each response; input.readPosition marks the block's start. */
+    void process(CircularBuffer<Signal32>& input, std::vector<Signal32>& outputs);
+
+    /** Channel k of output is the sum over the input channels for response k. */
+    void processSummed(CircularBuffer<Signal32>& input, Signal32& output);
+
+    /** Drops what is queued. */
+    void reset();
+
+    // State, open to inspection; active belongs to the FirFilter.
+
+    int numImpulseResponses;
+    int numChannels;
+    int fftSize; ///< twice the partition's size
+    int impulseResponseLength = 0;
+    bool active = true;
+    Signal32 timeBuffer;
+    ComplexSignal32 inputSpectrum;
+    ComplexSignal32 productSpectrum;
+    Signal32 resultBuffer;
+    std::vector<SignalQueue<Signal32>> queues;
+    std::vector<ComplexSignal32> irSpectra;
+    int offset;
+    FourierTransform fourierTransform;
+
+private:
+    int getSize() const { return fftSize / 2; }
+    int getLead() const;
+    int countFrames(int blockLength) const;
+    void transformFrame(CircularBuffer<Signal32>& input, int start);
+    void keepSecondHalf(Signal32& frames, int frame);
+    void fetch(SignalQueue<Signal32>& queue, Signal32& output);
+
+    std::vector<Signal32> newFrames; ///< results of the present block before they are queued
+};
+
+/** The direct-form head: up to 128 taps for each response and channel, over one shared past. */
+class FirFilter::IppFirFilter
+{
+public:
+    IppFirFilter() = default;
+    ~IppFirFilter();
+    IppFirFilter(const IppFirFilter&) = delete;
+    IppFirFilter& operator=(const IppFirFilter&) = delete;
+
+    /** Heads of the same shape as before take effect with no gap in the past; another shape clears it. */
+    void setFilter(const std::vector<Signal32>& heads);
+
+    /** Puts in another past, newest sample last; what is missing is silence. */
+    void setDelayLine(const Signal32& past);
+
+    std::vector<Signal32> process(const Signal32& input);
+
+    /** The same into results, which keeps its storage from block to block. */
+    void process(const Signal32& input, std::vector<Signal32>& results);
+
+    Signal32 processSummed(const Signal32& input);
+
+    /** Silences the past. */
+    void reset();
+
+    // State, open to inspection; only the operations above write it.
+
+    Signal32 workSignal;
+    std::vector<FirSpec*> specs; ///< response k, channel c at index k * numChannels + c
+    std::vector<std::uint8_t*> buffers;
+    Signal32
+        delayLine; ///< numChannels by tapsLength; its first tapsLength - 1 samples are the past, oldest first
+    int numChannels = 0;
+    int numImpulseResponses = 0;
+    int tapsLength = 0;
+
+private:
+    void free();
+    void filter(const Signal32& input, int response, int channel, float* destination);
 };
 
 } // namespace vesk::audio

@@ -50,41 +50,43 @@ HWY_INLINE void set64(double value, double* dst, std::size_t n)
 
 HWY_INLINE void add(const float* a, const float* b, float* dst, std::size_t n)
 {
-    forEach(Floats(), n, [=](auto d, std::size_t i) HWY_ATTR {
-        hn::StoreU(hn::Add(hn::LoadU(d, a + i), hn::LoadU(d, b + i)), d, dst + i);
-    });
+    forEach(Floats(), n,
+            [=](auto d, std::size_t i) HWY_ATTR
+            { hn::StoreU(hn::Add(hn::LoadU(d, a + i), hn::LoadU(d, b + i)), d, dst + i); });
 }
 
 /** dst = b - a */
 HWY_INLINE void subtract(const float* a, const float* b, float* dst, std::size_t n)
 {
-    forEach(Floats(), n, [=](auto d, std::size_t i) HWY_ATTR {
-        hn::StoreU(hn::Sub(hn::LoadU(d, b + i), hn::LoadU(d, a + i)), d, dst + i);
-    });
+    forEach(Floats(), n,
+            [=](auto d, std::size_t i) HWY_ATTR
+            { hn::StoreU(hn::Sub(hn::LoadU(d, b + i), hn::LoadU(d, a + i)), d, dst + i); });
 }
 
 HWY_INLINE void multiply(const float* a, const float* b, float* dst, std::size_t n)
 {
-    forEach(Floats(), n, [=](auto d, std::size_t i) HWY_ATTR {
-        hn::StoreU(hn::Mul(hn::LoadU(d, a + i), hn::LoadU(d, b + i)), d, dst + i);
-    });
+    forEach(Floats(), n,
+            [=](auto d, std::size_t i) HWY_ATTR
+            { hn::StoreU(hn::Mul(hn::LoadU(d, a + i), hn::LoadU(d, b + i)), d, dst + i); });
 }
 
 HWY_INLINE void scale(const float* src, float factor, float* dst, std::size_t n)
 {
-    forEach(Floats(), n, [=](auto d, std::size_t i) HWY_ATTR {
-        hn::StoreU(hn::Mul(hn::LoadU(d, src + i), hn::Set(d, factor)), d, dst + i);
-    });
+    forEach(Floats(), n,
+            [=](auto d, std::size_t i) HWY_ATTR
+            { hn::StoreU(hn::Mul(hn::LoadU(d, src + i), hn::Set(d, factor)), d, dst + i); });
 }
 
 HWY_INLINE bool divide(const float* divisor, const float* dividend, float* dst, std::size_t n)
 {
     bool anyZero = false;
-    forEach(Floats(), n, [=, &anyZero](auto d, std::size_t i) HWY_ATTR {
-        const auto below = hn::LoadU(d, divisor + i);
-        anyZero |= !hn::AllFalse(d, hn::Eq(below, hn::Zero(d)));
-        hn::StoreU(hn::Div(hn::LoadU(d, dividend + i), below), d, dst + i);
-    });
+    forEach(Floats(), n,
+            [=, &anyZero](auto d, std::size_t i) HWY_ATTR
+            {
+                const auto below = hn::LoadU(d, divisor + i);
+                anyZero |= !hn::AllFalse(d, hn::Eq(below, hn::Zero(d)));
+                hn::StoreU(hn::Div(hn::LoadU(d, dividend + i), below), d, dst + i);
+            });
     return anyZero;
 }
 
@@ -112,12 +114,16 @@ HWY_INLINE float maximum(const float* src, std::size_t n)
 HWY_INLINE void threshold(const float* src, float* dst, std::size_t n, float low, float lowValue, float high,
                           float highValue)
 {
-    forEach(Floats(), n, [=](auto d, std::size_t i) HWY_ATTR {
-        const auto value = hn::LoadU(d, src + i);
-        const auto raised = hn::IfThenElse(hn::Lt(value, hn::Set(d, low)), hn::Set(d, lowValue), value);
-        const auto limited = hn::IfThenElse(hn::Gt(value, hn::Set(d, high)), hn::Set(d, highValue), raised);
-        hn::StoreU(limited, d, dst + i);
-    });
+    forEach(Floats(), n,
+            [=](auto d, std::size_t i) HWY_ATTR
+            {
+                const auto value = hn::LoadU(d, src + i);
+                const auto raised =
+                    hn::IfThenElse(hn::Lt(value, hn::Set(d, low)), hn::Set(d, lowValue), value);
+                const auto limited =
+                    hn::IfThenElse(hn::Gt(value, hn::Set(d, high)), hn::Set(d, highValue), raised);
+                hn::StoreU(limited, d, dst + i);
+            });
 }
 
 // The compiler vectorises plain conversions by itself; each instruction set compiles its own.

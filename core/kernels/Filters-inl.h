@@ -54,8 +54,8 @@ HWY_INLINE float firSingle(D d, const float* oldest, const float* reversedTaps, 
     return sum;
 }
 
-HWY_INLINE void fir(const float* history, float* dst, std::size_t n, const float* taps, const float* reversedTaps,
-                    std::size_t tapsLength)
+HWY_INLINE void fir(const float* history, float* dst, std::size_t n, const float* taps,
+                    const float* reversedTaps, std::size_t tapsLength)
 {
     const hn::ScalableTag<float> d;
     const std::size_t lanes = hn::Lanes(d);
@@ -116,7 +116,8 @@ HWY_INLINE void recursiveVectors(const T* src, T* dst, std::size_t n, RecursiveF
         columns[j] = hn::Load(d, filter.columns[j].data());
 
     // What the vector's own inputs bring: two sums, so that the additions overlap.
-    const auto respondToInputs = [&](const T* x) HWY_ATTR {
+    const auto respondToInputs = [&](const T* x) HWY_ATTR
+    {
         V even = hn::Mul(columns[0], hn::Set(d, x[0]));
         V odd = hn::Mul(columns[1], hn::Set(d, x[1]));
         for (std::size_t j = 2; j < lanes; j += 2)

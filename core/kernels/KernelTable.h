@@ -61,7 +61,8 @@ struct KernelTable
     void (*recursive64)(const double* src, double* dst, std::size_t n, RecursiveFilter<double>& filter);
 
     /** Values of randomBlockLength from value number randomBlockLength * block on. */
-    void (*gaussianBlock)(float* dst, std::uint64_t block, std::uint64_t key, float mean, float standardDeviation);
+    void (*gaussianBlock)(float* dst, std::uint64_t block, std::uint64_t key, float mean,
+                          float standardDeviation);
     void (*uniformBlock)(float* dst, std::uint64_t block, std::uint64_t key, float low, float high);
 };
 

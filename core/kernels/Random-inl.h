@@ -70,7 +70,8 @@ HWY_INLINE void uniformBlock(float* dst, std::uint64_t block, std::uint64_t key,
 }
 
 /** Box and Muller: sqrt(-2 ln u) times cos and sin of 2 pi v, u and v uniform. */
-HWY_INLINE void gaussianBlock(float* dst, std::uint64_t block, std::uint64_t key, float mean, float standardDeviation)
+HWY_INLINE void gaussianBlock(float* dst, std::uint64_t block, std::uint64_t key, float mean,
+                              float standardDeviation)
 {
     const hn::CappedTag<float, randomPairs> d;
     const hn::RebindToUnsigned<decltype(d)> bits;
@@ -81,7 +82,8 @@ HWY_INLINE void gaussianBlock(float* dst, std::uint64_t block, std::uint64_t key
         const auto u = toUnitInterval(d, randomBits(bits, counter, key));
         const auto v = toUnitInterval(d, randomBits(bits, counter + randomPairs, key));
         const auto logarithm = hn::Log(d, u);
-        const auto radius = hn::Mul(hn::Sqrt(hn::Mul(hn::Set(d, -2.0f), logarithm)), hn::Set(d, standardDeviation));
+        const auto radius =
+            hn::Mul(hn::Sqrt(hn::Mul(hn::Set(d, -2.0f), logarithm)), hn::Set(d, standardDeviation));
         // From -pi to pi, where the sine and the cosine are at their best.
         const auto angle = hn::Mul(hn::MulAdd(v, hn::Set(d, 2.0f), hn::Set(d, -1.0f)), pi);
         const auto offset = hn::Set(d, mean);

@@ -4,7 +4,8 @@
 // untangled into the spectrum of the real sequence. The complex transform of M points on vectors of W lanes
 // goes in three steps:
 //
-//   1. Lane w transforms the M/W points whose index is w modulo W, by a self-sorting radix-4 scheme (Stockham).
+//   1. Lane w transforms the M/W points whose index is w modulo W, by a self-sorting radix-4 scheme
+//   (Stockham).
 //      All lanes do the same with the same factors, so there is nothing to shuffle.
 //   2. Blocks of W rows are transposed and multiplied by exp(-2 pi j w k / M).
 //   3. A transform of W points across what were the lanes, again vertical, gives rows k, k + M/W, ...
@@ -154,8 +155,8 @@ HWY_INLINE void butterfly4(ComplexVector<V>& a, ComplexVector<V>& b, ComplexVect
 }
 
 template <class D, class Source>
-HWY_INLINE void radix4Pass(D d, const Source& source, PairedPoints<D> target, std::size_t size, std::size_t stride,
-                           const float* twiddles)
+HWY_INLINE void radix4Pass(D d, const Source& source, PairedPoints<D> target, std::size_t size,
+                           std::size_t stride, const float* twiddles)
 {
     const std::size_t quarter = size / 4;
     for (std::size_t p = 0; p < quarter; ++p)
@@ -209,8 +210,8 @@ HWY_INLINE void lastRadix2Pass(D, const Source& source, PairedPoints<D> target, 
 }
 
 template <class D, class Source>
-HWY_INLINE void runPass(D d, const Source& source, PairedPoints<D> target, std::size_t size, std::size_t stride,
-                        const float* twiddles)
+HWY_INLINE void runPass(D d, const Source& source, PairedPoints<D> target, std::size_t size,
+                        std::size_t stride, const float* twiddles)
 {
     if (size > 4)
         radix4Pass(d, source, target, size, stride, twiddles);
@@ -300,10 +301,14 @@ HWY_INLINE void transpose(D d, V* rows)
 }
 
 /** cos and sin of -2 pi k / 16 */
-inline constexpr float sixteenths[8][2] = {
-    {1.0f, -0.0f},           {0.923879533f, -0.382683432f},  {0.707106781f, -0.707106781f},
-    {0.382683432f, -0.923879533f}, {0.0f, -1.0f},            {-0.382683432f, -0.923879533f},
-    {-0.707106781f, -0.707106781f}, {-0.923879533f, -0.382683432f}};
+inline constexpr float sixteenths[8][2] = {{1.0f, -0.0f},
+                                           {0.923879533f, -0.382683432f},
+                                           {0.707106781f, -0.707106781f},
+                                           {0.382683432f, -0.923879533f},
+                                           {0.0f, -1.0f},
+                                           {-0.382683432f, -0.923879533f},
+                                           {-0.707106781f, -0.707106781f},
+                                           {-0.923879533f, -0.382683432f}};
 
 /** exp(-2 pi j k / 16) a, for k from 0 to 9 */
 template <std::size_t k, class D, class V>
@@ -426,14 +431,15 @@ HWY_INLINE void untangle(D d, const FftTables& tables, SplitResult<D> z, Complex
         const ComplexVector<V> a{hn::LoadU(d, z.re + k), hn::LoadU(d, z.im + k)};
         const ComplexVector<V> b{hn::Reverse(d, hn::LoadU(d, z.re + mirrored)),
                                  hn::Neg(hn::Reverse(d, hn::LoadU(d, z.im + mirrored)))};
-        const ComplexVector<V> factor{hn::LoadU(d, tables.realCosines + k), hn::LoadU(d, tables.realSines + k)};
+        const ComplexVector<V> factor{hn::LoadU(d, tables.realCosines + k),
+                                      hn::LoadU(d, tables.realSines + k)};
         const auto even = a + b;
         const auto odd = timesMinusJ((a - b) * factor);
         const auto low = even + odd;
         const auto high = even - odd;
         hn::StoreInterleaved2(hn::Mul(half, low.re), hn::Mul(half, low.im), d, dst + 2 * k);
-        hn::StoreInterleaved2(hn::Reverse(d, hn::Mul(half, high.re)), hn::Neg(hn::Reverse(d, hn::Mul(half, high.im))),
-                              d, dst + 2 * mirrored);
+        hn::StoreInterleaved2(hn::Reverse(d, hn::Mul(half, high.re)),
+                              hn::Neg(hn::Reverse(d, hn::Mul(half, high.im))), d, dst + 2 * mirrored);
     }
 
     const float re = z.re[0];
@@ -444,7 +450,8 @@ HWY_INLINE void untangle(D d, const FftTables& tables, SplitResult<D> z, Complex
 
 /** Z[k] = X[k] + conj X[M-k] + j exp(2 pi j k / N) (X[k] - conj X[M-k]), with exchanged parts, two arrays. */
 template <class D>
-HWY_INLINE void tangle(D d, const FftTables& tables, const Complex* spectrum, float* exchangedRe, float* exchangedIm)
+HWY_INLINE void tangle(D d, const FftTables& tables, const Complex* spectrum, float* exchangedRe,
+                       float* exchangedIm)
 {
     using V = hn::VFromD<D>;
     const std::size_t length = tables.length;
@@ -559,8 +566,7 @@ HWY_INLINE void inverseVector(const Complex* src, float* dst, const FftTables& t
     float* first = work;
     float* second = work + 2 * tables.length;
     tangle(d, tables, src, second, second + tables.length);
-    const auto rows =
-        transformRows(d, SplitSource<D>{second, second + tables.length}, tables, first, second);
+    const auto rows = transformRows(d, SplitSource<D>{second, second + tables.length}, tables, first, second);
     joinLanes<lanes>(d, rows, tables, ExchangedInterleavedResult<D>{dst});
 }
 
@@ -569,13 +575,17 @@ HWY_INLINE void forwardRealTransform(const float* src, Complex* dst, const FftTa
     switch (tables.lanes)
     {
 #if HWY_MAX_BYTES >= 64
-        case 16: return forwardVector<16>(src, dst, tables, work);
+    case 16:
+        return forwardVector<16>(src, dst, tables, work);
 #endif
 #if HWY_MAX_BYTES >= 32
-        case 8: return forwardVector<8>(src, dst, tables, work);
+    case 8:
+        return forwardVector<8>(src, dst, tables, work);
 #endif
-        case 4: return forwardVector<4>(src, dst, tables, work);
-        default: return forwardDirect(src, dst, tables, work);
+    case 4:
+        return forwardVector<4>(src, dst, tables, work);
+    default:
+        return forwardDirect(src, dst, tables, work);
     }
 }
 
@@ -584,13 +594,17 @@ HWY_INLINE void inverseRealTransform(const Complex* src, float* dst, const FftTa
     switch (tables.lanes)
     {
 #if HWY_MAX_BYTES >= 64
-        case 16: return inverseVector<16>(src, dst, tables, work);
+    case 16:
+        return inverseVector<16>(src, dst, tables, work);
 #endif
 #if HWY_MAX_BYTES >= 32
-        case 8: return inverseVector<8>(src, dst, tables, work);
+    case 8:
+        return inverseVector<8>(src, dst, tables, work);
 #endif
-        case 4: return inverseVector<4>(src, dst, tables, work);
-        default: return inverseDirect(src, dst, tables, work);
+    case 4:
+        return inverseVector<4>(src, dst, tables, work);
+    default:
+        return inverseDirect(src, dst, tables, work);
     }
 }
 

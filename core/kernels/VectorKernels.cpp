@@ -5,8 +5,8 @@
 
 #define HWY_DISABLED_TARGETS (HWY_SSSE3 | HWY_SVE | HWY_SVE2 | HWY_SVE_256 | HWY_SVE2_128)
 
-// The baseline without vector instructions. Highway avoids it for GCC before 12.3, whose bug (PR 106322) is in
-// 16-bit multiplications; there are none here, and the kernels' tests run on this target too.
+// The baseline without vector instructions. Highway avoids it for GCC before 12.3, whose bug (PR 106322) is
+// in 16-bit multiplications; there are none here, and the kernels' tests run on this target too.
 #define HWY_BROKEN_EMU128 0
 
 #undef HWY_TARGET_INCLUDE

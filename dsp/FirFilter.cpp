@@ -1,0 +1,258 @@
+#include "dsp/FirFilter.h"
+
+#include "core/MathEx.h"
+#include "core/VectorOps.h"
+
+#include <algorithm>
+#include <cassert>
+#include <utility>
+
+namespace vesk::audio
+{
+
+FirFilter::FirFilter() : directFilter(std::make_unique<IppFirFilter>()) {}
+
+FirFilter::FirFilter(const Signal32& impulseResponse) : FirFilter() { setImpulseResponse(impulseResponse); }
+
+FirFilter::~FirFilter() = default;
+
+void FirFilter::setLoadDistribution(bool enable, int period)
+{
+    loadDistribution = enable;
+    loadDistributionPeriod = period;
+}
+
+//==============================================================================
+// Responses
+
+void FirFilter::setImpulseResponse(const Signal32& impulseResponse) { setMultipleIRs({impulseResponse}); }
+
+void FirFilter::setMultipleIRs(const std::vector<Signal32>& responses)
+{
+    assert(!responses.empty());
+    impulseResponses = responses;
+    const auto responseCount = static_cast<int>(impulseResponses.size());
+    const int channelCount = impulseResponses.front().numChannels;
+    if (responseCount != numImpulseResponses || channelCount != numChannels)
+    {
+        partitions.clear();
+        blockPartition.reset();
+    }
+    numImpulseResponses = responseCount;
+    numChannels = channelCount;
+
+    if (blockPartitionSize > 0 && blockPartition == nullptr)
+        createBlockPartition();
+    else if (blockPartition != nullptr)
+        blockPartition->setImpulseResponses(impulseResponses);
+
+    std::vector<Signal32> heads;
+    heads.reserve(impulseResponses.size());
+    for (const auto& response : impulseResponses)
+    {
+        Signal32 head(numChannels, std::min(response.numSamples, headLength));
+        for (int channel = 0; channel < numChannels; ++channel)
+            vo::copy(response.getChannelPtr(channel), head.getWriteChannelPtr(channel), head.numSamples);
+        heads.push_back(head);
+    }
+    directFilter->setFilter(heads);
+
+    updatePartitionSizes();
+    updatePartitions();
+
+    const int wanted = std::max(blockPartitionSize, headLength) + totalLength + input.maxBlockSize;
+    if (wanted > input.capacity)
+        input.resize(wanted);
+}
+
+void FirFilter::createBlockPartition()
+{
+    blockPartition = std::make_shared<Partition>(numChannels, numImpulseResponses, 0, blockPartitionSize);
+    blockPartition->setImpulseResponses(impulseResponses);
+}
+
+/** The schedule: sizes double, each partition starts where the one before ends. With load distribution an
+    extra partition of half the size shifts the later ones off the multiples of their size, so that their
+    frames fall on other blocks. The last one is the smallest power of two above what remains. */
+void FirFilter::updatePartitionSizes()
+{
+    const int length = impulseResponses.front().numSamples;
+    partitionSizes.clear();
+    totalLength = headLength;
+    if (length <= headLength)
+        return;
+
+    const auto append = [this](int size)
+    {
+        partitionSizes.push_back(size);
+        totalLength += size;
+    };
+
+    int size = headLength;
+    for (int doublings = 0; size + totalLength <= length; ++doublings)
+    {
+        append(size);
+        if (loadDistribution && doublings > 0 && doublings % loadDistributionPeriod == 0)
+            append(size / 2);
+        size *= 2;
+        if (totalLength >= length)
+            return;
+    }
+
+    if (size / 2 + totalLength > length)
+    {
+        size /= 2;
+        while (size / 2 + totalLength > length)
+            size /= 2;
+    }
+    partitionSizes.push_back(size);
+    totalLength = length;
+}
+
+/** Brings the partitions in line with the schedule. One of the right size at the right offset is kept, with
+    its queues. */
+void FirFilter::updatePartitions()
+{
+    partitions.resize(partitionSizes.size());
+    int offset = headLength;
+    for (std::size_t i = 0; i < partitionSizes.size(); ++i)
+    {
+        auto& partition = partitions[i];
+        const int size = partitionSizes[i];
+        if (partition == nullptr || partition->fftSize != 2 * size || partition->offset != offset)
+            partition = std::make_unique<Partition>(numChannels, numImpulseResponses, offset, size);
+        partition->setImpulseResponses(impulseResponses);
+        offset += size;
+    }
+}
+
+//==============================================================================
+// Blocks
+
+/** Chooses the head for a block length, and which partitions run beside it. */
+void FirFilter::updateBlockSize(int length)
+{
+    if (length == blockSize)
+        return;
+    blockSize = length;
+
+    const bool fits = length >= headLength && MathEx::findNearestPowerOfTwo(length) == length;
+    const int wanted = fits ? length : -1;
+    if (wanted == blockPartitionSize)
+        return;
+    blockPartitionSize = wanted;
+
+    if (wanted == -1)
+    {
+        blockPartition.reset();
+        if (input.numChannels >= 0)
+        {
+            const int past = std::min(input.capacity, headLength);
+            directFilter->setDelayLine(input.peek(-past, past));
+        }
+    }
+    else
+        createBlockPartition();
+
+    for (auto& partition : partitions)
+    {
+        const bool runs = partition->offset >= wanted;
+        // What was queued before the pause belongs to another time: the next frames come from the history.
+        if (runs && !partition->active)
+            partition->reset();
+        partition->active = runs;
+    }
+}
+
+void FirFilter::beginBlock(const Signal32& block)
+{
+    assert(numImpulseResponses > 0);
+    const int length = MathEx::findLargerPowerOfTwo(block.numSamples);
+    const int covered = MathEx::findLargerPowerOfTwo(totalLength);
+    const int needed = std::max(length, covered) + std::max(length, headLength);
+    if (input.capacity < needed)
+        input.resize(needed + input.maxBlockSize);
+
+    input.add(block);
+    updateBlockSize(block.numSamples);
+}
+
+void FirFilter::endBlock(int length) { input.readPosition = (input.readPosition + length) % input.capacity; }
+
+void FirFilter::computeMultiple(const Signal32& block)
+{
+    beginBlock(block);
+    const auto responseCount = static_cast<std::size_t>(numImpulseResponses);
+    results.resize(responseCount);
+    partitionOutput.resize(responseCount);
+    for (auto& output : partitionOutput)
+        output.ensureDimensions(numChannels, block.numSamples);
+
+    if (blockPartition != nullptr)
+    {
+        for (auto& result : results)
+            result = Signal32(numChannels, block.numSamples);
+        blockPartition->process(input, results);
+    }
+    else
+        directFilter->process(block, results);
+
+    for (auto& partition : partitions)
+    {
+        if (!partition->active)
+            continue;
+        partition->process(input, partitionOutput);
+        for (std::size_t k = 0; k < responseCount; ++k)
+            results[k] += partitionOutput[k];
+    }
+    endBlock(block.numSamples);
+}
+
+Signal32 FirFilter::process(const Signal32& block)
+{
+    computeMultiple(block);
+    return std::move(results.front());
+}
+
+std::vector<Signal32> FirFilter::processMultiple(const Signal32& block)
+{
+    computeMultiple(block);
+    return std::move(results);
+}
+
+Signal32 FirFilter::processSummed(const Signal32& block)
+{
+    beginBlock(block);
+    partitionOutput.resize(1);
+    auto& output = partitionOutput.front();
+    output.ensureDimensions(numImpulseResponses, block.numSamples);
+
+    Signal32 result;
+    if (blockPartition != nullptr)
+    {
+        result = Signal32(numImpulseResponses, block.numSamples);
+        blockPartition->processSummed(input, result);
+    }
+    else
+        result = directFilter->processSummed(block);
+
+    for (auto& partition : partitions)
+    {
+        if (!partition->active)
+            continue;
+        partition->processSummed(input, output);
+        result += output;
+    }
+    endBlock(block.numSamples);
+    return result;
+}
+
+void FirFilter::reset()
+{
+    input.clear();
+    for (auto& partition : partitions)
+        partition->reset();
+    directFilter->reset();
+}
+
+} // namespace vesk::audio
