@@ -7,13 +7,13 @@
         // Gain at each frequency of a low-pass at 8 kHz with 9 dB per octave.
         Signal32 curve = Butterworth::evaluateLowPassFilter(frequencies, 8000.0f, 1.5f, 0.0f);
 
-    The low-pass is |H(f)| = 1 / sqrt(r^(2 order) + c r^order + 1) with r = f / cutoff. With c = 0 it is the
-   classic curve of -3.01 dB at the cut-off; c lifts or lowers the curve there by gainAtCutoff. The high-pass
-   is its mirror, r = cutoff / f. A shelf is 1 plus a scaled low-pass or high-pass, and a cut is the exact
-   reciprocal of a boost.
+    The low-pass is |H(f)| = 1 / sqrt(r^(2 order) + c r^order + 1) with r = f / cutoff. With c = 0 it is
+    the classic curve of -3.01 dB at the cut-off; c lifts or lowers the curve there by gainAtCutoff. The
+    high-pass is its mirror, r = cutoff / f. A shelf is 1 plus a scaled low-pass or high-pass, and a cut
+    is the exact reciprocal of a boost.
 
-    Frequencies and cut-offs are in the same unit, gains given are in dB, and each result has one channel with
-   one linear gain for each frequency.
+    Frequencies and cut-offs are in the same unit, gains given are in dB, and each result has one channel
+    with one linear gain for each frequency.
 
     Cost: one power for each frequency; not for the audio path. Thread: any.
 */

@@ -19,8 +19,8 @@ void FractionalDelay::setFormat(int channels, double rateOfSamples)
     updateSincFilter();
 }
 
-/** A sinc that crosses zero at every second tap but the centre, under a Hann window without its two zero
-   ends. Its sum of about 2 makes up for the zeros between the samples. */
+/** A sinc that crosses zero at every second tap from its centre, under a Hann window without its zero
+    ends. Its sum of about 2 makes up for the zeros between the samples. */
 void FractionalDelay::updateSincFilter()
 {
     Signal32 kernel(numChannels, sincLength);

@@ -10,17 +10,17 @@
         delay.reset();
         Signal32 moving = delay.process(block); // 3 ms to 9 ms late, and 3.5 samples of the interpolator
 
-    The modulated read counts from the oldest sample of the line, so a larger modulation m (in seconds) reads
-   a newer sample: the output is 2 depth - m late, whatever the base delay, which only makes the line longer.
-    Only where the line is held at its least length (the interpolator's 15 taps) is the delay that length less
-    base delay and m.
+    The modulated read counts from the oldest sample of the line, so a larger modulation m (in seconds)
+    reads a newer sample: the output is 2 depth - m late, whatever the base delay, which only makes the
+    line longer. Only where the line is held at its least length (the interpolator's 15 taps) is the delay
+    that length less base delay and m.
 
     Without modulation the line is read by two decimations with fixed weights that fill the first half of each
     block; nothing in the engine does so.
 
     Prepare in the order setFormat, setDelay, reset. A setDelay while audio runs steps the read position.
-   Cost: a 15-tap filter at twice the rate, one interpolation for each sample, and a copy of the line for each
-   block. Thread: one at a time.
+    Cost: a 15-tap filter at twice the rate, one interpolation for each sample, and a copy of the line for
+    each block. Thread: one at a time.
 */
 #pragma once
 

@@ -36,8 +36,8 @@ public:
         @param gain       linear, above 0 */
     static IirCoefficients createHighShelf(double frequency, double gain, double sampleRate);
 
-    /** Second-order Butterworth: gain 1 at DC, -3.01 dB at the frequency, falling by 12 dB per octave. Both
-       in Hz. */
+    /** Second-order Butterworth: gain 1 at DC, -3.01 dB at the frequency, falling by 12 dB per octave.
+        Both in Hz. */
     static IirCoefficients createLowPass(double frequency, double sampleRate);
 
     // State, open to inspection; only the operations above write it.

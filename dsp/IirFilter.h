@@ -3,17 +3,15 @@
 
         IirFilter32 filter;
         filter.setFilter(2, IirCoefficients::createLowPass(1000.0, 48000.0));
-        filter.process(block, block);                                          // in place
-        filter.setFilter(2, IirCoefficients::createLowPass(2000.0, 48000.0));  // the sound goes on without a
-   jump
+        filter.process(block, block); // in place
+        filter.setFilter(2, IirCoefficients::createLowPass(2000.0, 48000.0)); // the sound goes on, no jump
 
     New coefficients of the same order keep each channel's delay values. These are the values of the
-   transposed direct form II, which hold what the past adds to the coming outputs, so they stay meaningful
-   under other coefficients. Double precision is for cut-offs far below the sample rate, where the poles crowd
-   at 1.
+    transposed direct form II, which hold what the past adds to the coming outputs, so they stay
+    meaningful under other coefficients. Double precision is for cut-offs far below the sample rate, where
+    the poles crowd at 1.
 
-    Nothing here throws over a kernel's status: coefficients that a kernel refuses (a0 of 0) leave the filter
-   as it was or silent.
+    Coefficients have an a[0] other than 0. Nothing here looks at a kernel's status, so nothing throws.
 
     Cost: 2 order + 1 multiplications for each sample and channel; setFilter allocates. Thread: one at a time.
 */

@@ -7,12 +7,12 @@
         modulation.setModulation(ModulationGenerator::Random, 0.0f, 1.0f, 0.003f, 0.0f, 0.0f);
         Signal32 seconds = modulation.generate(512); // drifts between -3 ms and +3 ms, about once a second
 
-    The random kind is Gaussian noise through a second-order low-pass at the rate. White noise keeps 2 rate /
-    sampleRate of its power there, so it is generated that much louder, to come out with a standard deviation
-   of 0.2 depth: the clamp to depth lies at five standard deviations and rarely acts.
+    The random kind is Gaussian noise through a second-order low-pass at the rate. White noise keeps 2
+    rate / sampleRate of its power there, so it is generated that much louder, to come out with a standard
+    deviation of 0.2 depth: the clamp to depth lies at five standard deviations and rarely acts.
 
-    Prepare with setFormat, then setModulation. Cost: one random value and one double-precision filter step
-   for each sample (for each channel, if the correlation is neither 0 nor 1). Thread: one at a time.
+    Prepare with setFormat, then setModulation. Cost: one random value and one double-precision filter
+    step for each sample (for each channel, if the correlation is neither 0 nor 1). Thread: one at a time.
 */
 #pragma once
 

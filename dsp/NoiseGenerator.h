@@ -27,8 +27,7 @@ namespace vesk::audio
 class NoiseGenerator
 {
 public:
-    /** One channel of Gaussian noise of standard deviation 1, the seed taken from the standard library's
-     * rand. */
+    /** One channel of Gaussian noise of standard deviation 1, its seed from the standard library's rand. */
     NoiseGenerator();
 
     /** As initialize. */

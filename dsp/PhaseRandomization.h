@@ -3,15 +3,15 @@
     window.
 
         PhaseRandomization randomization;
-        randomization.initPhaseDistribution(format, 0.1f, 0.6f, 1);   // once for each format
-        Signal32 magnitude(1, randomization.getNumOfBins());          // filled from DC to half the sample
-   rate Signal32 response = randomization.getCoefficients(magnitude); // as often as the magnitude changes
+        randomization.initPhaseDistribution(format, 0.1f, 0.6f, 1);
+        Signal32 magnitude(1, randomization.getNumOfBins()); // to be filled, DC to half the sample rate
+        Signal32 response = randomization.getCoefficients(magnitude);
 
     The phases are found by alternating projections, as R. W. Gerchberg and W. O. Saxton do ("A practical
     algorithm for the determination of phase", 1972): noise is forced to a flat magnitude in the frequency
-   domain and into the window, under a falling envelope, in the time domain, over and over. The result is a
-   burst of noise that is flat and short at once. A smooth magnitude put on it spreads it only a little, so
-   the response is cut at the window's end without a fade.
+    domain and into the window, under a falling envelope, in the time domain, over and over. The result is
+    a burst of noise that is flat and short at once. A smooth magnitude put on it spreads it only a
+    little, so the response is cut at the window's end without a fade.
 
     All channels of a response are the same, as the noise they start from is (see NoiseGenerator).
 
