@@ -34,8 +34,8 @@ constexpr float shelfTolerance = 1.0f;
 constexpr float ownShare = 0.65f;
 constexpr float crossShare = 0.35f;
 
-/** Samples of all lines and channels in one frame: 8 kB, and as much again for the mix and for the rings. */
-constexpr int frameBudget = 2048;
+/** Samples of all lines and channels in one frame, 16 kB; the mix and the rings take as much again. */
+constexpr int frameBudget = 4096;
 
 /** Rings start at multiples of a cache line. */
 constexpr int ringAlignment = 16;
@@ -92,8 +92,9 @@ void FeedbackNetwork::setLines(int channels, double rate, float roomSize)
             next += (ring.length + ringAlignment - 1) / ringAlignment * ringAlignment;
         }
 
-    lineFrames.resize(frameBudget);
-    mixFrames.resize(frameBudget);
+    lineFrames.resize(index(frameBudget));
+    mixFrames.resize(index(frameBudget));
+    shelfFrame.resize(index(frameBudget / numLines));
     injection.resize(index(2 * frameBudget / numLines));
 }
 
@@ -188,10 +189,18 @@ void FeedbackNetwork::filterLines(int length)
         for (int channel = 0; channel < numChannels; ++channel, frame += length)
         {
             if (shelfActive)
-                line.shelf.processChannel(channel, frame, frame, length);
+                applyShelf(line.shelf, channel, frame, length);
             line.damping.processChannel(channel, frame, frame, length);
         }
     }
+}
+
+void FeedbackNetwork::applyShelf(IirFilter64& shelf, int channel, float* frame, int length)
+{
+    double* precise = shelfFrame.data();
+    check(ippsConvert_32f64f(frame, precise, length));
+    shelf.processChannel(channel, precise, precise, length);
+    check(ippsConvert_64f32f(precise, frame, length));
 }
 
 /** The fast Hadamard transform across the lines, unnormalised. Neighbouring lines lie next to each other, so
@@ -266,7 +275,10 @@ void FeedbackNetwork::resetFilters()
     for (auto& line : lines)
     {
         line.damping.reset();
-        line.shelf.reset();
+        // A change of the channel count is what clears a double-precision filter.
+        const IirCoefficients shelf = line.shelf.coefficients;
+        line.shelf.setFilter(0, shelf);
+        line.shelf.setFilter(numChannels, shelf);
     }
 }
 

@@ -92,7 +92,9 @@ private:
     {
         std::array<Ring, maxChannels> rings;
         float gain = 0.0f; ///< with the matrix's normalisation of 1/4
-        IirFilter32 shelf;
+        /** In double precision: far below the sample rate the poles crowd at 1, and in single precision
+           rounding alone can raise the loop's gain above 1 (a crossover of 50 Hz at 192 kHz does it). */
+        IirFilter64 shelf;
         IirFilter32 damping;
     };
 
@@ -110,6 +112,7 @@ private:
     void processFrame(const Signal32& input, Signal32& output, int start, int length);
     void readLines(int length);
     void filterLines(int length);
+    void applyShelf(IirFilter64& shelf, int channel, float* frame, int length);
     void mixLines(int length);
     void prepareInjection(const Signal32& input, int start, int length);
     void writeLines(int length);
@@ -125,6 +128,7 @@ private:
     // Work of one frame, channels of a line one after the other: [line][channel][sample].
     Buffer lineFrames;
     Buffer mixFrames;
+    std::vector<double, PoolAllocator<double>> shelfFrame; ///< of one channel of one line
     Buffer injection; ///< what the even and the odd lines receive: [parity][channel][sample]
 };
 
