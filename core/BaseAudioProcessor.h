@@ -2,7 +2,7 @@
     The contract between the plug-in layer and any engine.
 
     Set up: write expectedBlockSize, call setFormat, then reset. Run: process, block by block, while
-   parameters are set from any thread. Parameters are indexed from 0 and in natural units (dB, Hz, s).
+    parameters are set from any thread. Parameters are indexed from 0 and in natural units (dB, Hz, s).
 
     An engine may put off the dear part of a parameter change to effectuateParameterChanges, which is called
     at once if setParameterValue is told so, or later, at the end of a batch.

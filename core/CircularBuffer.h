@@ -27,7 +27,7 @@ public:
     void add(const S& block);
 
     /** Changes the modulus. Growing keeps the history in order, with zeros before it; shrinking only wraps
-       the positions and keeps the memory. Called between blocks, when both positions are equal. */
+        the positions and keeps the memory. Called between blocks, when both positions are equal. */
     void resize(int newCapacity);
 
     /** Copies destination's length, for its channels, from offset against readPosition; offset down to

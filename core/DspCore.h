@@ -3,7 +3,7 @@
     and the loading thread turns denormal numbers to zero.
 
     globalDspCore is an inline variable so that no linker can leave it out of a product that uses an engine.
-   It follows the signals' empty constants, which the include below puts before it.
+    It follows the signals' empty constants, which the include below puts before it.
 */
 #pragma once
 

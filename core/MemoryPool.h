@@ -4,7 +4,7 @@
     Blocks that are given back are kept by size class and handed out again, so that once a stream runs, no
     block of audio reaches the system allocator, although the code above makes and returns signals freely.
     ippMalloc and ippFree are its plain face; PoolAllocator lets standard containers and shared pointers use
-   it.
+    it.
 
     Taking and giving back are lock-free and safe on any thread, also on another one than the block came from.
     What the pool keeps is bounded. While at least one PoolLease lives the kept blocks stay; when the last one

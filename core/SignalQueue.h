@@ -26,8 +26,7 @@ template <typename S>
 class SignalQueue
 {
 public:
-    /** Stores a shared copy. A block without data or samples is ignored. The first block fixes numChannels.
-     */
+    /** Stores a shared copy. A block without data or samples is ignored. The first block fixes numChannels. */
     void add(const S& block);
 
     /** Moves the oldest samples into destination, as many as it is long, for its channels. */

@@ -15,7 +15,7 @@ template <typename T>
 void copy(const T* src, T* dst, int n);
 
 /** magnitude * cos(2 pi frequency n + phase) for count samples. A magnitude that is not above 0 gives zeros
-   and leaves phase alone.
+    and leaves phase alone.
     @param frequency  cycles per sample, 0 up to below 0.5
     @param phase      radians; advanced to the sample after the last */
 void generateSinusoidal(float magnitude, float frequency, float& phase, float* destination, int count);

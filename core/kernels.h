@@ -159,7 +159,7 @@ IppStatus ippsSampleUp_32f(const float* src, int srcLength, float* dst, int* dst
                            int* phase);
 
 /** dst[i] = src[i * factor + *phase] for all indices below srcLength; *dstLength is set to the number
- * written. */
+    written. */
 IppStatus ippsSampleDown_32f(const float* src, int srcLength, float* dst, int* dstLength, int factor,
                              int* phase);
 
@@ -234,8 +234,7 @@ struct IirState64;
 IppStatus ippsIIRGetStateSize_32f(int order, int* bytes);
 IppStatus ippsIIRGetStateSize_64f(int order, int* bytes);
 
-/** Builds a state in buffer (any alignment) and sets *state. delayLine holds order values; null means zeros.
- */
+/** Builds a state in buffer (any alignment) and sets *state. delayLine holds order values; null means zeros. */
 IppStatus ippsIIRInit_32f(IirState32** state, const float* taps, int order, const float* delayLine,
                           std::uint8_t* buffer);
 IppStatus ippsIIRInit_64f(IirState64** state, const double* taps, int order, const double* delayLine,

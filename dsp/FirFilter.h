@@ -5,7 +5,7 @@
     The response is cut into a head of 128 taps, computed in direct form, and partitions of growing size
     (128, 256, 512, ...), each an overlap-save convolver whose results wait in a queue until they are due
     (W. G. Gardner, "Efficient convolution without input-output delay", 1995). When the block length is a
-   power of two of at least 128, one FFT partition as long as the block takes the place of the head and of the
+    power of two of at least 128, one FFT partition as long as the block takes the place of the head and of the
     partitions that lie inside it.
 
         FirFilter filter;
@@ -51,7 +51,7 @@ public:
     FirFilter& operator=(const FirFilter&) = delete;
 
     /** @param period  every how many doublings an extra half-size partition comes; above 0. Takes effect at
-       the next setMultipleIRs. */
+        the next setMultipleIRs. */
     void setLoadDistribution(bool enable, int period);
 
     void setImpulseResponse(const Signal32& impulseResponse);
@@ -109,10 +109,10 @@ private:
     A frame of fftSize samples, the second half of it new, gives fftSize / 2 samples of output. A frame that
     ends at input time t yields the output from t - size + offset to t + offset, so with an offset of at least
     the partition's size the results are ready before they are due, however the stream is cut into blocks:
-   each frame is computed in the first block that holds its last sample, and waits in a queue.
+    each frame is computed in the first block that holds its last sample, and waits in a queue.
 
     An offset of 0 is allowed if all blocks are exactly as long as the partition: then one frame for each
-   block, over the block before and this one, yields this block's output (the FFT head). */
+    block, over the block before and this one, yields this block's output (the FFT head). */
 class FirFilter::Partition
 {
 public:
