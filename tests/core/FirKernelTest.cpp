@@ -1,0 +1,143 @@
+#include "tests/core/KernelFixture.h"
+
+namespace vesk::audio
+{
+namespace
+{
+
+using test::convolve;
+using test::makeNoise;
+
+/** A filter with its memory, all of it one byte off any alignment. */
+class Filter
+{
+public:
+    explicit Filter(const std::vector<float>& taps)
+    {
+        const auto length = static_cast<int>(taps.size());
+        int specBytes = 0, bufferBytes = 0;
+        EXPECT_EQ(ippsFIRSRGetSize(length, ippDataType32f, &specBytes, &bufferBytes), ippStsNoErr);
+        memory.resize(static_cast<std::size_t>(specBytes) + 1);
+        buffer.resize(static_cast<std::size_t>(bufferBytes) + 1);
+        load(taps);
+    }
+
+    void load(const std::vector<float>& taps)
+    {
+        EXPECT_EQ(ippsFIRSRInit_32f(taps.data(), static_cast<int>(taps.size()), ippFirDirectForm, getSpec()),
+                  ippStsNoErr);
+    }
+
+    FirSpec* getSpec() { return reinterpret_cast<FirSpec*>(memory.data() + 1); }
+
+    IppStatus run(const float* src, float* dst, int n, const float* dlySrc, float* dlyDst)
+    {
+        return ippsFIRSR_32f(src, dst, n, getSpec(), dlySrc, dlyDst, buffer.data() + 1);
+    }
+
+private:
+    std::vector<std::uint8_t> memory, buffer;
+};
+
+/** Rounding of a sum of products of values within -1 and 1. */
+double getTolerance(std::size_t taps) { return 1e-6 * std::sqrt(static_cast<double>(taps)); }
+
+class FirKernel : public test::KernelFixture
+{
+};
+AMBREL_ON_ALL_INSTRUCTION_SETS(FirKernel);
+
+TEST_P(FirKernel, BlocksWithACarriedPastMakeOneConvolution)
+{
+    constexpr int total = 2600;
+    const auto input = makeNoise(total, 1);
+    for (const int tapsLength : {1, 2, 3, 4, 5, 8, 15, 16, 17, 31, 33, 127, 128, 129, 300})
+    {
+        const auto taps = makeNoise(tapsLength, 2 + unsigned(tapsLength));
+        const auto expected = convolve(input, taps);
+        for (const std::vector<int>& pattern :
+             {std::vector<int>{total}, {1}, {2, 1, 3}, {64}, {100, 7}, {1000, 1, 128, 127, 129, 5}})
+            for (const bool inPlace : {false, true})
+            {
+                Filter filter(taps);
+                auto source = input;
+                std::vector<float> separate(inPlace ? 0 : total, 9.0f);
+                auto& output = inPlace ? source : separate;
+                std::vector<float> past(std::size_t(tapsLength - 1)); // ends where its memory ends
+                float none = 0.0f; // for a single tap: an array of no samples
+                auto* delayLine = past.empty() ? &none : past.data();
+                for (int done = 0, step = 0; done < total; ++step)
+                {
+                    const int n = std::min(pattern[std::size_t(step) % pattern.size()], total - done);
+                    ASSERT_EQ(filter.run(source.data() + done, output.data() + done, n, delayLine, delayLine),
+                              ippStsNoErr);
+                    done += n;
+                }
+                ASSERT_LT(test::maxDifference(output, expected), getTolerance(taps.size()))
+                    << tapsLength << " taps, blocks of " << pattern[0] << (inPlace ? ", in place" : "");
+                for (std::size_t i = 0; i < past.size(); ++i)
+                    ASSERT_EQ(past[i], input[input.size() - past.size() + i]) << "the past, oldest first";
+            }
+    }
+}
+
+TEST_P(FirKernel, WithoutDelayLinesThePastIsSilentAndNothingIsKept)
+{
+    const auto taps = makeNoise(40, 3), input = makeNoise(100, 4), history = makeNoise(39, 5);
+    Filter filter(taps);
+    std::vector<float> output(100), kept(39, 9.0f);
+
+    for (int repeat = 0; repeat < 2; ++repeat)
+    {
+        ASSERT_EQ(filter.run(input.data(), output.data(), 100, nullptr, nullptr), ippStsNoErr);
+        EXPECT_LT(test::maxDifference(output, convolve(input, taps)), getTolerance(40));
+    }
+
+    // A past that goes in but does not come out, as one that other filters still have to read.
+    const auto untouched = history;
+    ASSERT_EQ(filter.run(input.data(), output.data(), 100, history.data(), nullptr), ippStsNoErr);
+    auto stream = history;
+    stream.insert(stream.end(), input.begin(), input.end());
+    const auto expected = convolve(stream, taps);
+    EXPECT_LT(test::maxDifference(output, std::span(expected).subspan(39)), getTolerance(40));
+    EXPECT_EQ(history, untouched);
+
+    // No past, and a block shorter than what is kept: zeros come first.
+    ASSERT_EQ(filter.run(input.data(), output.data(), 10, nullptr, kept.data()), ippStsNoErr);
+    EXPECT_TRUE(std::all_of(kept.begin(), kept.begin() + 29, [](float v) { return v == 0.0f; }));
+    EXPECT_TRUE(std::equal(kept.begin() + 29, kept.end(), input.begin()));
+}
+
+TEST_P(FirKernel, NewTapsOnTheSameMemoryTakeEffectAtOnce)
+{
+    const auto first = makeNoise(33, 6), second = makeNoise(33, 7), input = makeNoise(50, 8);
+    Filter filter(first);
+    filter.load(second);
+    std::vector<float> output(50);
+    ASSERT_EQ(filter.run(input.data(), output.data(), 50, nullptr, nullptr), ippStsNoErr);
+    EXPECT_LT(test::maxDifference(output, convolve(input, second)), getTolerance(33));
+}
+
+TEST_P(FirKernel, RefusesWhatItCannotDo)
+{
+    int specBytes = 0, bufferBytes = 0;
+    EXPECT_EQ(ippsFIRSRGetSize(0, ippDataType32f, &specBytes, &bufferBytes), ippStsFIRLenErr);
+    EXPECT_EQ(ippsFIRSRGetSize(-3, ippDataType32f, &specBytes, &bufferBytes), ippStsFIRLenErr);
+    EXPECT_EQ(ippsFIRSRGetSize(4, ippDataType32f, nullptr, &bufferBytes), ippStsNullPtrErr);
+    EXPECT_EQ(ippsFIRSRGetSize(4, ippDataType32f, &specBytes, nullptr), ippStsNullPtrErr);
+
+    Filter filter({1.0f, 2.0f});
+    const float taps[] = {1.0f, 2.0f};
+    float dst = 7.0f;
+    EXPECT_EQ(ippsFIRSRInit_32f(nullptr, 2, ippFirDirectForm, filter.getSpec()), ippStsNullPtrErr);
+    EXPECT_EQ(ippsFIRSRInit_32f(taps, 2, ippFirDirectForm, nullptr), ippStsNullPtrErr);
+    EXPECT_EQ(ippsFIRSRInit_32f(taps, 0, ippFirDirectForm, filter.getSpec()), ippStsFIRLenErr);
+    EXPECT_EQ(filter.run(nullptr, &dst, 1, nullptr, nullptr), ippStsNullPtrErr);
+    EXPECT_EQ(filter.run(taps, nullptr, 1, nullptr, nullptr), ippStsNullPtrErr);
+    EXPECT_EQ(ippsFIRSR_32f(taps, &dst, 1, nullptr, nullptr, nullptr, nullptr), ippStsNullPtrErr);
+    EXPECT_EQ(filter.run(taps, &dst, 0, nullptr, nullptr), ippStsSizeErr);
+    EXPECT_EQ(dst, 7.0f);
+}
+
+} // namespace
+} // namespace vesk::audio
