@@ -21,6 +21,7 @@ juce_add_plugin(Ambrel
     PLUGIN_NAME "Ambrel"
     DESCRIPTION "Veskora Ambrel"
     COMPANY_NAME "Veskora"
+    COMPANY_WEBSITE "https://veskora.com"
     BUNDLE_ID com.veskora.Ambrel
     AAX_IDENTIFIER com.veskora.Ambrel
     VERSION ${Ambrel_VERSION}
@@ -59,15 +60,22 @@ endif()
 foreach(format ${formats})
     ambrel_bundle_resources(Ambrel_${format} "${${format}_folder}")
     if(UNIX AND NOT APPLE)
-        # Nothing but the entry points is visible, and nothing is needed at run time that is not used.
-        target_link_options(Ambrel_${format} PRIVATE
-            LINKER:--as-needed LINKER:--exclude-libs,ALL LINKER:--gc-sections)
+        # No library is needed at run time that is not used, and nothing but the entry points is visible, so
+        # that two plug-ins in one host never share a symbol.
+        target_link_options(Ambrel_${format} PRIVATE LINKER:--as-needed LINKER:--gc-sections)
+        if(NOT format STREQUAL "Standalone")
+            target_link_options(Ambrel_${format} PRIVATE
+                "LINKER:--version-script=${Ambrel_SOURCE_DIR}/cmake/entryPoints.map")
+        endif()
     endif()
 endforeach()
 
 # The helper that writes the LV2's description loads the plug-in, which must not find the builder's own presets.
-set_property(TARGET Ambrel_LV2 PROPERTY RULE_LAUNCH_CUSTOM
-    "${CMAKE_COMMAND} -E env HOME=${CMAKE_BINARY_DIR}/home XDG_CONFIG_HOME=${CMAKE_BINARY_DIR}/home/.config")
+set_property(DIRECTORY PROPERTY RULE_LAUNCH_CUSTOM
+    "\"${CMAKE_COMMAND}\" -E env \"HOME=${CMAKE_BINARY_DIR}/home\" \"XDG_CONFIG_HOME=${CMAKE_BINARY_DIR}/home/.config\"")
+
+# The description lists the presets, so it is written again when they change.
+set_target_properties(Ambrel_LV2 PROPERTIES LINK_DEPENDS "${CMAKE_BINARY_DIR}/share/Ambrel_LV2.stamp")
 
 if(TARGET Ambrel_VST)
     if(NOT APPLE)
@@ -76,4 +84,9 @@ if(TARGET Ambrel_VST)
     endif()
     target_compile_options(Ambrel_VST PRIVATE
         $<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-Wno-cpp;-Wno-deprecated-declarations>)
+endif()
+
+if(UNIX AND NOT APPLE)
+    target_sources(Ambrel_Standalone PRIVATE standalone/main.cpp)
+    target_compile_definitions(Ambrel_Standalone PRIVATE JUCE_USE_CUSTOM_PLUGIN_STANDALONE_ENTRYPOINT=1)
 endif()

@@ -34,6 +34,9 @@ target_compile_definitions(ambrel_juce
     INTERFACE "$<FILTER:$<TARGET_PROPERTY:ambrel_juce,COMPILE_DEFINITIONS>,EXCLUDE,^JUCE_USE_(FLAC|OGGVORBIS)=>")
 target_include_directories(ambrel_juce SYSTEM INTERFACE $<TARGET_PROPERTY:ambrel_juce,INCLUDE_DIRECTORIES>)
 target_compile_features(ambrel_juce PUBLIC cxx_std_20)
+# A section for each function, so that linkers can leave out what nobody calls.
+target_compile_options(ambrel_juce PRIVATE
+    $<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-ffunction-sections;-fdata-sections>)
 set_target_properties(ambrel_juce PROPERTIES
     CXX_VISIBILITY_PRESET hidden
     C_VISIBILITY_PRESET hidden

@@ -1,0 +1,21 @@
+/** Entry of the stand-alone program: JUCE's own application, if there is a display for its window. JUCE itself
+    would go on without one, and crash. */
+#include <juce_gui_basics/juce_gui_basics.h>
+
+#include <cstdlib>
+#include <iostream>
+
+juce::JUCEApplicationBase* juce_CreateApplication();
+
+int main(int argc, char* argv[])
+{
+    const juce::ScopedJuceInitialiser_GUI library;
+    if (juce::Desktop::getInstance().isHeadless())
+    {
+        std::cerr << "Ambrel: there is no display to open a window on. ambrel-render works without one.\n";
+        return EXIT_FAILURE;
+    }
+
+    juce::JUCEApplicationBase::createInstance = &juce_CreateApplication;
+    return juce::JUCEApplicationBase::main(argc, const_cast<const char**>(argv));
+}
