@@ -6,6 +6,7 @@
 #include <bit>
 #include <cstdint>
 #include <new>
+#include <utility>
 
 #if defined(__SANITIZE_ADDRESS__)
 #define AMBREL_POISONS_IDLE_BLOCKS 1
@@ -75,18 +76,23 @@ static_assert(findSizeClass((std::size_t{1} << largestExponent) + 1) == unpooled
 class Shelf
 {
 public:
-    /** @param capacity  slots to use, the same in all calls for one shelf */
-    void* take(std::size_t capacity) noexcept
+    static constexpr std::size_t maxSlots = 512;
+
+    /** @param slotCount  slots in use, a power of two up to maxSlots */
+    constexpr explicit Shelf(std::size_t slotCount) : mask(slotCount - 1) {}
+
+    /** Null if no block is idle. */
+    void* take() noexcept
     {
-        const auto start = top.load(std::memory_order_relaxed);
-        for (std::size_t step = 0; step < capacity; ++step)
+        auto index = top.load(std::memory_order_relaxed);
+        for (std::size_t step = 0; step <= mask; ++step, --index)
         {
-            const auto index = (start + capacity - step) % capacity;
-            if (slots[index].load(std::memory_order_relaxed) == nullptr)
+            auto& slot = slots[index & mask];
+            if (slot.load(std::memory_order_relaxed) == nullptr)
                 continue;
-            if (auto* block = slots[index].exchange(nullptr, std::memory_order_acquire))
+            if (auto* block = slot.exchange(nullptr, std::memory_order_acquire))
             {
-                top.store((index + capacity - 1) % capacity, std::memory_order_relaxed);
+                top.store(index - 1, std::memory_order_relaxed);
                 return block;
             }
         }
@@ -94,15 +100,16 @@ public:
     }
 
     /** False if all slots are in use. */
-    bool give(void* block, std::size_t capacity) noexcept
+    bool give(void* block) noexcept
     {
-        const auto start = top.load(std::memory_order_relaxed) + 1;
-        for (std::size_t step = 0; step < capacity; ++step)
+        auto index = top.load(std::memory_order_relaxed) + 1;
+        for (std::size_t step = 0; step <= mask; ++step, ++index)
         {
-            const auto index = (start + step) % capacity;
+            auto& slot = slots[index & mask];
             void* expected = nullptr;
-            if (slots[index].load(std::memory_order_relaxed) == nullptr &&
-                slots[index].compare_exchange_strong(expected, block, std::memory_order_release))
+            if (slot.load(std::memory_order_relaxed) == nullptr &&
+                slot.compare_exchange_strong(expected, block, std::memory_order_release,
+                                             std::memory_order_relaxed))
             {
                 top.store(index, std::memory_order_relaxed);
                 return true;
@@ -118,21 +125,27 @@ public:
                           [](const auto& slot) { return slot.load(std::memory_order_relaxed) != nullptr; }));
     }
 
-    static constexpr std::size_t numSlots = 512;
-
 private:
+    std::size_t mask;
     std::atomic<std::size_t> top{0};
-    std::array<std::atomic<void*>, numSlots> slots{};
+    std::array<std::atomic<void*>, maxSlots> slots{};
 };
 
 /** How many idle blocks a size class may keep, so that the pool as a whole stays bounded. */
-constexpr std::size_t getCapacity(std::size_t sizeClass)
+constexpr std::size_t getSlotCount(std::size_t sizeClass)
 {
     constexpr std::size_t largestIdleBytes = std::size_t{16} << 20;
-    return std::clamp<std::size_t>(largestIdleBytes / getClassBytes(sizeClass), 4, Shelf::numSlots);
+    constexpr std::size_t fewest = 4;
+    return std::clamp(std::bit_floor(largestIdleBytes / getClassBytes(sizeClass)), fewest, Shelf::maxSlots);
 }
 
-constinit std::array<Shelf, numSizeClasses> shelves{};
+template <std::size_t... sizeClasses>
+constexpr std::array<Shelf, sizeof...(sizeClasses)> makeShelves(std::index_sequence<sizeClasses...>)
+{
+    return {Shelf(getSlotCount(sizeClasses))...};
+}
+
+constinit std::array<Shelf, numSizeClasses> shelves = makeShelves(std::make_index_sequence<numSizeClasses>());
 constinit std::atomic<int> leases{0};
 
 void setPoisoned([[maybe_unused]] void* block, [[maybe_unused]] bool poisoned) noexcept
@@ -178,7 +191,7 @@ void* MemoryPool::allocate(std::size_t bytes) noexcept
     if (sizeClass == unpooled)
         return takeFromSystem(total, unpooled);
 
-    if (auto* block = shelves[sizeClass].take(getCapacity(sizeClass)))
+    if (auto* block = shelves[sizeClass].take())
     {
         setPoisoned(block, false);
         return block;
@@ -197,14 +210,14 @@ void MemoryPool::release(void* block) noexcept
         return;
     }
     setPoisoned(block, true);
-    if (!shelves[sizeClass].give(block, getCapacity(sizeClass)))
+    if (!shelves[sizeClass].give(block))
         giveToSystem(block);
 }
 
 void MemoryPool::trim() noexcept
 {
-    for (std::size_t sizeClass = 0; sizeClass < numSizeClasses; ++sizeClass)
-        while (auto* block = shelves[sizeClass].take(getCapacity(sizeClass)))
+    for (auto& shelf : shelves)
+        while (auto* block = shelf.take())
             giveToSystem(block);
 }
 
