@@ -1,0 +1,230 @@
+#include "tests/plugin/TestPlugIn.h"
+
+#include <gtest/gtest.h>
+
+#if JUCE_INTEL
+#include <xmmintrin.h>
+#endif
+
+using vesk::audio::SpeakerPosition;
+
+namespace
+{
+constexpr double rate = 48000.0;
+
+juce::AudioBuffer<float> makeBlock(int samples, float value = 1.0f, int channels = 2)
+{
+    juce::AudioBuffer<float> buffer(channels, samples);
+    for (int channel = 0; channel < channels; ++channel)
+        juce::FloatVectorOperations::fill(buffer.getWritePointer(channel),
+                                          value + static_cast<float>(channel), samples);
+    return buffer;
+}
+
+class AudioPathTest : public ::testing::Test
+{
+protected:
+    juce::AudioBuffer<float> run(juce::AudioBuffer<float> buffer)
+    {
+        juce::MidiBuffer midi;
+        plugIn.processBlock(buffer, midi);
+        return buffer;
+    }
+
+    TestPlugIn plugIn;
+    FakeEngine& engine = plugIn.engine;
+};
+} // namespace
+
+TEST_F(AudioPathTest, PassesEachChannelThroughTheEngine)
+{
+    plugIn.prepareToPlay(rate, 64);
+    const auto out = run(makeBlock(64));
+    EXPECT_EQ(out.getSample(0, 63), 0.5f);
+    EXPECT_EQ(out.getSample(1, 0), 1.0f);
+    EXPECT_FALSE(engine.lastBypassed);
+
+    auto buffer = makeBlock(8);
+    juce::MidiBuffer midi;
+    plugIn.processBlockBypassed(buffer, midi);
+    EXPECT_TRUE(engine.lastBypassed);
+}
+
+TEST_F(AudioPathTest, EmptyBlockDoesNotReachTheEngine)
+{
+    plugIn.prepareToPlay(rate, 64);
+    run(makeBlock(0));
+    EXPECT_EQ(engine.blocks, 0);
+}
+
+TEST_F(AudioPathTest, ExceptionSilencesItsBlockOnly)
+{
+    plugIn.prepareToPlay(rate, 16);
+    engine.onProcess = [] { throw std::runtime_error("IPP exception: no errors. "); };
+    ::testing::internal::CaptureStderr();
+    EXPECT_EQ(run(makeBlock(16)).getMagnitude(0, 16), 0.0f);
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "IPP exception: no errors. ");
+
+    engine.onProcess = nullptr;
+    EXPECT_EQ(run(makeBlock(16)).getSample(0, 0), 0.5f);
+}
+
+#if JUCE_INTEL
+TEST_F(AudioPathTest, FlushesDenormalsDuringTheBlockOnly)
+{
+    constexpr unsigned denormalBits = 0x8040;
+    const unsigned before = _mm_getcsr();
+    _mm_setcsr(before & ~denormalBits);
+
+    unsigned during = 0;
+    engine.onProcess = [&] { during = _mm_getcsr(); };
+    plugIn.prepareToPlay(rate, 16);
+    run(makeBlock(16));
+    EXPECT_EQ(during & denormalBits, denormalBits);
+    EXPECT_EQ(_mm_getcsr() & denormalBits, 0u);
+
+    // Only std::exception is held back; what else passes must leave the host's modes whole, too.
+    engine.onProcess = [] { throw 1; };
+    EXPECT_THROW(run(makeBlock(16)), int);
+    EXPECT_EQ(_mm_getcsr() & denormalBits, 0u);
+    run(makeBlock(0));
+    EXPECT_EQ(_mm_getcsr() & denormalBits, 0u);
+    _mm_setcsr(before);
+}
+#endif
+
+TEST_F(AudioPathTest, SetsFormatOnlyWhenItChanges)
+{
+    plugIn.prepareToPlay(rate, 512);
+    plugIn.prepareToPlay(rate, 256);
+    EXPECT_EQ(engine.formatsSet, 1);
+    EXPECT_EQ(engine.resets, 2);
+    EXPECT_EQ(engine.expectedBlockSize, 256);
+
+    plugIn.prepareToPlay(44100.0, 256);
+    EXPECT_EQ(engine.formatsSet, 2);
+    EXPECT_EQ(engine.inputFormat, vesk::audio::AudioFormat(2, 44100.0));
+}
+
+TEST_F(AudioPathTest, StaysSilentUntilAFormatIsAccepted)
+{
+    engine.acceptsFormat = false;
+    plugIn.prepareToPlay(rate, 16);
+    plugIn.prepareToPlay(rate, 16);
+    EXPECT_EQ(run(makeBlock(16)).getMagnitude(0, 16), 0.0f);
+    EXPECT_EQ(engine.blocks, 0);
+
+    engine.acceptsFormat = true;
+    plugIn.prepareToPlay(44100.0, 16);
+    EXPECT_EQ(run(makeBlock(16)).getSample(0, 0), 0.5f);
+}
+
+TEST_F(AudioPathTest, BuildsFormatsFromTheLibrarysSpeakerNames)
+{
+    struct Row
+    {
+        juce::AudioChannelSet set;
+        std::vector<SpeakerPosition> speakers;
+    };
+    const SpeakerPosition left{-1, 1, 0, vesk::audio::Regular, -1};
+    const SpeakerPosition right{1, 1, 0, vesk::audio::Regular, -1};
+    const SpeakerPosition centre{0, 1, 0, vesk::audio::Regular, -1};
+    const SpeakerPosition lowFrequency{0, 1, 0, vesk::audio::Lfe, -1};
+    const SpeakerPosition leftRear{-1, -1, 0, vesk::audio::Regular, -1};
+    const SpeakerPosition rightRear{1, -1, 0, vesk::audio::Regular, -1};
+    const Row rows[] = {
+        {juce::AudioChannelSet::mono(), {centre}},
+        {juce::AudioChannelSet::stereo(), {left, right}},
+        {juce::AudioChannelSet::create5point1(), {left, right, centre, lowFrequency, leftRear, rightRear}},
+        {juce::AudioChannelSet::ambisonic(1), {{}, {}, {}, {}}}};
+
+    for (const auto& row : rows)
+    {
+        ASSERT_TRUE(plugIn.setPreferredBusArrangement(true, 0, row.set)) << row.set.getDescription();
+        plugIn.prepareToPlay(rate, 16);
+        EXPECT_EQ(engine.inputFormat.speakers, row.speakers) << row.set.getDescription();
+        EXPECT_EQ(engine.outputFormat.speakers, row.speakers) << row.set.getDescription();
+    }
+}
+
+TEST_F(AudioPathTest, SpeakerNamesIgnoreCaseAndKeepTheirConventions)
+{
+    EXPECT_EQ(TestPlugIn::speakerIdToPosition("tFL"), (SpeakerPosition{-1, 1, 1, vesk::audio::Regular, -1}));
+    EXPECT_EQ(TestPlugIn::speakerIdToPosition("Tfc"), (SpeakerPosition{0, 0, 1, vesk::audio::Regular, -1}));
+    EXPECT_EQ(TestPlugIn::speakerIdToPosition("M").type, vesk::audio::Mono);
+    EXPECT_EQ(TestPlugIn::speakerIdToPosition("LFE2"), (SpeakerPosition{1, 1, 0, vesk::audio::Lfe, -1}));
+    EXPECT_EQ(TestPlugIn::speakerIdToPosition("Wl"), SpeakerPosition());
+}
+
+TEST_F(AudioPathTest, AcceptsOneBusWithTheSameSetOnBothSides)
+{
+    using Set = juce::AudioChannelSet;
+    EXPECT_FALSE(plugIn.setPreferredBusArrangement(true, 1, Set::stereo()));
+    EXPECT_FALSE(plugIn.setPreferredBusArrangement(true, 0, Set::disabled()));
+    EXPECT_FALSE(plugIn.setPreferredBusArrangement(false, 0, Set::discreteChannels(9)));
+    EXPECT_TRUE(plugIn.setPreferredBusArrangement(false, 0, Set::create7point1()));
+    EXPECT_EQ(plugIn.getTotalNumInputChannels(), 8);
+
+    juce::AudioProcessor::BusesLayout unequal;
+    unequal.inputBuses.add(Set::mono());
+    unequal.outputBuses.add(Set::stereo());
+    EXPECT_FALSE(plugIn.checkBusesLayoutSupported(unequal));
+
+    EXPECT_EQ(plugIn.getChannelLimit("/opt/Grass Valley/EDIUS 9/edius.exe"), 2);
+    EXPECT_EQ(plugIn.getChannelLimit("/usr/bin/ardour"), 8);
+}
+
+TEST_F(AudioPathTest, NamesChannelsFromOne)
+{
+    EXPECT_EQ(plugIn.getInputChannelName(0), "1");
+    EXPECT_EQ(plugIn.getOutputChannelName(1), "2");
+    EXPECT_EQ(plugIn.getName(), "Veskora Test PlugIn");
+    EXPECT_EQ(plugIn.getShortName(), "Test PlugIn");
+}
+
+TEST_F(AudioPathTest, HoldsTheOutputBackByTheLeadLatency)
+{
+    engine.latency = {128, 5, 1.0};
+    plugIn.prepareToPlay(rate, 64);
+    EXPECT_EQ(plugIn.getLatencySamples(), 133);
+
+    // Blocks of any length are one stream, delayed by 128.
+    int position = 0;
+    for (const int length : {32, 64, 1, 100, 64})
+    {
+        const auto out = run(makeBlock(length));
+        for (int i = 0; i < length; ++i, ++position)
+            ASSERT_EQ(out.getSample(1, i), position < 128 ? 0.0f : 1.0f) << position;
+    }
+}
+
+TEST_F(AudioPathTest, TakesUpLatencyChangesWhilePlaying)
+{
+    engine.latency = {8, 4, 1.0};
+    plugIn.prepareToPlay(rate, 16);
+
+    engine.latency = {16, 4, 1.0};
+    EXPECT_EQ(run(makeBlock(16)).getMagnitude(0, 16), 0.0f);
+    EXPECT_EQ(plugIn.getLatencySamples(), 12) << "a change of the lead alone is not reported";
+
+    engine.latency = {16, 6, 1.0};
+    EXPECT_EQ(run(makeBlock(16)).getSample(0, 0), 0.5f);
+    EXPECT_EQ(plugIn.getLatencySamples(), 22);
+
+    engine.latency = {0, 6, 1.0};
+    EXPECT_EQ(run(makeBlock(16, 3.0f)).getSample(0, 0), 1.5f) << "nothing of the old queue is left";
+}
+
+TEST_F(AudioPathTest, AFailedBlockLeavesTheQueueShort)
+{
+    engine.latency = {8, 0, 1.0};
+    plugIn.prepareToPlay(rate, 16);
+    engine.onProcess = [] { throw std::runtime_error(""); };
+    run(makeBlock(16));
+    engine.onProcess = nullptr;
+
+    // 8 zeros of the prefill, then the block: 24 are there, 16 go.
+    const auto first = run(makeBlock(16));
+    EXPECT_EQ(first.getSample(0, 7), 0.0f);
+    EXPECT_EQ(first.getSample(0, 8), 0.5f);
+}

@@ -1,0 +1,234 @@
+#include "tests/plugin/TestPlugIn.h"
+
+#include <gtest/gtest.h>
+
+namespace
+{
+using Bytes = std::vector<juce::uint8>;
+
+/** A state block, put together field by field. */
+struct Block : Bytes
+{
+    template <typename T>
+    Block&& raw(const T* data, std::size_t count) &&
+    {
+        const auto* first = reinterpret_cast<const juce::uint8*>(data);
+        insert(end(), first, first + count * sizeof(T));
+        return std::move(*this);
+    }
+    Block&& text(const char* characters) &&
+    {
+        return std::move(*this).raw(characters, std::strlen(characters));
+    }
+    Block&& name(const char* presetName) &&
+    {
+        return std::move(*this).raw(presetName, std::strlen(presetName) + 1);
+    }
+    Block&& integer(int value) && { return std::move(*this).raw(&value, 1); }
+    Block&& entry(int id, float value) && { return std::move(*this).integer(id).raw(&value, 1); }
+    Block&& marker() &&
+    {
+        const juce::uint8 bytes[] = {0x3e, 0x47, 0x43, 0x09, 0x4a, 0xaf, 0x04, 0x87};
+        return std::move(*this).raw(bytes, std::size(bytes));
+    }
+};
+
+/** Header of a block of the test plug-in, up to its count. */
+Block header(int count) { return Block().text("KSEVTSET").integer(0x10003).integer(count); }
+
+bool restore(TestPlugIn& plugIn, const Bytes& bytes)
+{
+    juce::MemoryInputStream input(bytes.data(), bytes.size(), false);
+    return plugIn.setParameterSettings(input);
+}
+
+class StateTest : public ::testing::Test
+{
+protected:
+    StateTest() { plugIn.addListener(&listener); }
+    ~StateTest() override { plugIn.removeListener(&listener); }
+
+    TestPlugIn plugIn;
+    FakeEngine& engine = plugIn.engine;
+    CountingListener listener;
+    TemporaryFolder folder;
+};
+} // namespace
+
+TEST_F(StateTest, BlockHasTheDocumentedBytes)
+{
+    engine.values = {50.0f, 440.0f, 1.0f, -3.0f};
+    plugIn.setCurrentPresetName(juce::String::fromUTF8("Gr\xc3\xbc\xc3\x9f"));
+
+    juce::MemoryBlock block;
+    block.append("old", 3);
+    plugIn.getStateInformation(block);
+    const auto* data = static_cast<const juce::uint8*>(block.getData());
+
+    const Bytes expected =
+        header(3).entry(0, 50.0f).entry(1, 440.0f).entry(2, 1.0f).marker().name("Gr\xc3\xbc\xc3\x9f");
+    EXPECT_EQ(Bytes(data, data + block.getSize()), expected);
+}
+
+TEST_F(StateTest, RestoresWhatItStored)
+{
+    engine.values = {50.0f, 440.0f, 1.0f, -3.0f};
+    plugIn.setCurrentPresetName(juce::String::fromUTF8("\xe5\xaf\xba"));
+    juce::MemoryBlock block;
+    plugIn.getStateInformation(block);
+
+    engine.values = {1.0f, 30.0f, 0.0f, 5.0f};
+    plugIn.setCurrentPresetName({});
+    plugIn.setStateInformation(block.getData(), static_cast<int>(block.getSize()));
+    EXPECT_EQ(engine.values, (std::vector<float>{50.0f, 440.0f, 1.0f, 5.0f})) << "hidden parameters stay";
+    EXPECT_EQ(plugIn.getCurrentPresetName(), juce::String::fromUTF8("\xe5\xaf\xba"));
+    EXPECT_EQ(engine.effectuations, 1);
+    EXPECT_EQ(listener.heard, std::vector<int>{-1});
+}
+
+TEST_F(StateTest, TreatsOddBlocksAsDocumented)
+{
+    struct Row
+    {
+        const char* what;
+        Bytes bytes;
+        bool accepted;
+        float amount; ///< value of parameter 0 afterwards, 25 before
+        const char* name;
+    };
+    Bytes shortened = header(1);
+    shortened.pop_back();
+    Bytes cut = header(2).entry(0, 40.0f);
+    cut.insert(cut.end(), 5, 0);
+
+    const Row rows[] = {
+        {"empty", {}, false, 25.0f, "old"},
+        {"15 bytes", shortened, false, 25.0f, "old"},
+        {"magic", Block().text("VESKTSET").integer(1).integer(1).entry(0, 1.0f), false, 25.0f, "old"},
+        {"plug-in", Block().text("KSEVRBMA").integer(1).integer(1).entry(0, 1.0f), false, 25.0f, "old"},
+        {"other version", Block().text("KSEVTSET").integer(99).integer(1).entry(0, 30.0f), true, 30.0f,
+         "old"},
+        {"no entries", header(0), true, 25.0f, "old"},
+        {"hidden parameter", header(1).entry(3, 1.0f), true, 25.0f, "old"},
+        {"no trailer", header(1).entry(0, 60.0f), true, 60.0f, "old"},
+        {"marker alone", header(1).entry(0, 60.0f).marker(), true, 60.0f, "old"},
+        {"empty name", header(1).entry(0, 60.0f).marker().name(""), true, 60.0f, ""},
+        {"wrong marker", header(1).entry(0, 60.0f).text("12345678new"), true, 60.0f, "old"},
+        {"negative count", header(-1).entry(0, 60.0f), true, 25.0f, "old"},
+        {"huge count", header(0x7fffffff).entry(0, 60.0f), true, 25.0f, "old"},
+        {"count beyond the end", cut, true, 40.0f, "old"},
+        {"skipped list, then trailer", header(99).marker().name("new"), true, 25.0f, "new"},
+        {"unknown parameter", header(3).entry(0, 70.0f).entry(9, 1.0f).entry(0, 80.0f), false, 70.0f, "old"}};
+
+    for (const auto& row : rows)
+    {
+        engine.values[0] = 25.0f;
+        engine.effectuations = 0;
+        listener.heard.clear();
+        plugIn.setCurrentPresetName("old");
+        EXPECT_EQ(restore(plugIn, row.bytes), row.accepted) << row.what;
+        EXPECT_EQ(engine.values[0], row.amount) << row.what;
+        EXPECT_EQ(engine.effectuations, row.accepted ? 1 : 0) << row.what;
+        EXPECT_EQ(listener.heard.size(), row.accepted ? 1u : 0u) << row.what;
+        EXPECT_EQ(plugIn.getCurrentPresetName(), row.name) << row.what;
+    }
+}
+
+TEST_F(StateTest, ExportsTheDescribedParameters)
+{
+    engine.values = {12.5f, 440.0f, 1.0f, -3.0f};
+    const auto file = folder.folder.getChildFile("My sound.xml");
+    ASSERT_TRUE(plugIn.exportToPresetFile(file));
+    EXPECT_EQ(plugIn.getCurrentPresetName(), "My sound");
+
+    const auto text = file.loadFileAsString();
+    EXPECT_TRUE(text.startsWith("<?xml version=\"1.0\" encoding=\"UTF-8\"?>"));
+    EXPECT_FALSE(text.contains("CustomData"));
+    const auto root = juce::parseXML(file);
+    ASSERT_NE(root, nullptr);
+    EXPECT_TRUE(root->hasTagName("Preset"));
+    const auto* parameters = root->getChildByName("ParameterSettings");
+    ASSERT_NE(parameters, nullptr);
+    ASSERT_EQ(parameters->getNumChildElements(), 3);
+
+    const auto* first = parameters->getChildElement(0);
+    const char* attributes[] = {"id", "unit", "value", "name"};
+    const char* values[] = {"0", "%", "12.5", "Amount"};
+    for (int i = 0; i < 4; ++i)
+    {
+        EXPECT_EQ(first->getAttributeName(i), attributes[i]);
+        EXPECT_EQ(first->getAttributeValue(i), values[i]);
+    }
+    EXPECT_FALSE(plugIn.exportToPresetFile(file.getChildFile("below a file.xml")));
+    EXPECT_EQ(plugIn.getCurrentPresetName(), "My sound");
+}
+
+TEST_F(StateTest, ImportsAnyParameterOnTopOfReset)
+{
+    engine.values = {80.0f, 440.0f, 1.0f, -3.0f};
+    const auto file =
+        folder.write("Loud.xml", presetText("<Parameter id='3' value='99'/><Other id='1' value='50'/>"
+                                            "<Parameter value='7'/><Parameter id='2'/>"));
+    ASSERT_TRUE(plugIn.importFromPresetFile(file));
+    EXPECT_EQ(engine.values, (std::vector<float>{25.0f, 50.0f, 0.0f, 18.0f}));
+    EXPECT_EQ(engine.effectuations, 1) << "one recomputation, at the end";
+    EXPECT_EQ(listener.heard, std::vector<int>{-1});
+    EXPECT_EQ(plugIn.getCurrentPresetName(), "Loud");
+}
+
+TEST_F(StateTest, ExemptParametersAreLeftAlone)
+{
+    plugIn.presetExemptParameters.add(0);
+    engine.values[0] = 80.0f;
+    ASSERT_TRUE(
+        plugIn.importFromPresetFile(folder.write("a.xml", presetText("<Parameter id='0' value='1'/>"))));
+    EXPECT_EQ(engine.values[0], 80.0f);
+}
+
+TEST_F(StateTest, CustomDataTravelsWithThePreset)
+{
+    const auto file = folder.folder.getChildFile("custom.xml");
+    plugIn.customNote = "hello";
+    ASSERT_TRUE(plugIn.exportToPresetFile(file));
+    plugIn.customNote = {};
+    ASSERT_TRUE(plugIn.importFromPresetFile(file));
+    EXPECT_EQ(plugIn.customNote, "hello");
+}
+
+TEST_F(StateTest, BrokenPresetFilesChangeNothing)
+{
+    engine.values[0] = 80.0f;
+    plugIn.setCurrentPresetName("old");
+    for (const auto& file :
+         {folder.folder.getChildFile("missing.xml"), folder.write("text.xml", "no xml"),
+          folder.write("other.xml", "<Preset><Settings/></Preset>"),
+          folder.write("cut.xml", "<Preset><ParameterSettings><Parameter id='0' value='1'/>")})
+    {
+        EXPECT_FALSE(plugIn.importFromPresetFile(file)) << file.getFileName();
+        EXPECT_EQ(engine.values[0], 80.0f) << file.getFileName();
+        EXPECT_EQ(plugIn.getCurrentPresetName(), "old");
+    }
+    EXPECT_TRUE(listener.heard.empty());
+}
+
+TEST_F(StateTest, AnUnknownParameterLeavesTheImportButNotTheProgramChange)
+{
+    const auto file = folder.write("strange.xml",
+                                   presetText("<Parameter id='0' value='33'/><Parameter id='9' value='1'/>"));
+    EXPECT_THROW(plugIn.importFromPresetFile(file), std::out_of_range);
+
+    plugIn.factoryPresetFolder = folder.folder;
+    plugIn.updatePresetTree();
+    plugIn.forgetStateRestore();
+    plugIn.setCurrentPresetName("old");
+    listener.heard.clear();
+    plugIn.setCurrentProgram(0);
+    EXPECT_FALSE(engine.pending);
+    EXPECT_EQ(engine.values[0], 33.0f);
+    EXPECT_EQ(listener.heard, std::vector<int>{-1});
+    EXPECT_EQ(plugIn.getCurrentPresetName(), "old");
+
+    // Parameters set afterwards take effect at once again.
+    plugIn.setParameter(0, 1.0f);
+    EXPECT_FALSE(engine.pending);
+}
