@@ -1,0 +1,394 @@
+#include "dsp/FirFilter.h"
+#include "tests/core/TestSignals.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <numeric>
+
+namespace vesk::audio
+{
+namespace
+{
+
+using test::addConvolution;
+using test::convolve;
+using test::getChannel;
+using test::makeNoise;
+using test::makeNoiseSignal;
+using test::makeSignal;
+using test::maxDifference;
+using test::slice;
+using test::toVector;
+
+using Blocks = std::vector<int>;
+
+/** Rounding of transforms of some thousand samples of noise, and of sums of as many products. */
+double getTolerance(int taps) { return 2e-6 * std::sqrt(static_cast<double>(taps)) + 1e-6; }
+
+/** Runs a stream through process in blocks whose lengths repeat as told. */
+Signal32 run(const Signal32& input, const Blocks& lengths,
+             const std::function<Signal32(const Signal32&)>& process)
+{
+    std::vector<std::vector<float>> output;
+    for (int done = 0, step = 0; done < input.numSamples; ++step)
+    {
+        const int n = std::min(lengths[std::size_t(step) % lengths.size()], input.numSamples - done);
+        const Signal32 block = process(slice(input, done, n));
+        EXPECT_EQ(block.numSamples, n);
+        output.resize(static_cast<std::size_t>(block.numChannels));
+        for (int c = 0; c < block.numChannels; ++c)
+            output[std::size_t(c)].insert(output[std::size_t(c)].end(), block.getChannelPtr(c),
+                                          block.getChannelPtr(c) + n);
+        done += n;
+    }
+    return makeSignal(output);
+}
+
+Signal32 run(FirFilter& filter, const Signal32& input, const Blocks& lengths)
+{
+    return run(input, lengths, [&](const Signal32& block) { return filter.process(block); });
+}
+
+void expectConvolution(const Signal32& output, const Signal32& input, const Signal32& response)
+{
+    for (int c = 0; c < response.numChannels; ++c)
+        EXPECT_LT(
+            maxDifference(getChannel(output, c), convolve(getChannel(input, c), getChannel(response, c))),
+            getTolerance(response.numSamples))
+            << "channel " << c;
+}
+
+/** Noise in a few dozen places all over a long response, cheap for the reference; among them the borders of all
+    partitions. */
+Signal32 makeSparseResponse(int channels, int length, const FirFilter& schedule)
+{
+    Signal32 response(channels, length, 0.0f);
+    std::vector<int> taps = {0, 1, 127, length - 1};
+    for (const auto& partition : schedule.partitions)
+        taps.insert(taps.end(), {partition->offset - 1, partition->offset,
+                                 std::min(partition->offset + partition->fftSize / 2 - 1, length - 1)});
+    for (int i = 1; i < 24; ++i)
+        taps.push_back(static_cast<int>(static_cast<std::int64_t>(length) * i / 24));
+    for (int c = 0; c < channels; ++c)
+    {
+        const auto values = makeNoise(static_cast<int>(taps.size()), 70 + unsigned(c));
+        for (std::size_t i = 0; i < taps.size(); ++i)
+            response.getWriteChannelPtr(c)[taps[i]] = values[i];
+    }
+    return response;
+}
+
+/** A filter with a sparse response of this length. */
+struct SparseFilter
+{
+    SparseFilter(int channels, int length, int loadDistributionPeriod)
+    {
+        filter.setLoadDistribution(loadDistributionPeriod > 0, std::max(loadDistributionPeriod, 1));
+        filter.setImpulseResponse(Signal32(channels, length, 0.0f));
+        response = makeSparseResponse(channels, length, filter);
+        filter.setImpulseResponse(response);
+    }
+
+    FirFilter filter;
+    Signal32 response;
+};
+
+//==============================================================================
+// Schedule
+
+TEST(FirFilterSchedule, PartitionSizes)
+{
+    struct Row
+    {
+        int length, period; ///< period 0: no load distribution
+        std::vector<int> sizes;
+    };
+    for (const auto& [length, period, sizes] :
+         {Row{1, 0, {}},
+          {128, 0, {}},
+          {129, 0, {2}},
+          {130, 0, {4}},
+          {255, 0, {128}},
+          {256, 0, {128}},
+          {257, 0, {128, 2}},
+          {700, 0, {128, 256, 256}},
+          {768, 0, {128, 256, 512}},
+          {65536, 0, {128, 256, 512, 1024, 2048, 4096, 8192, 16384, 32768}},
+          {700, 4, {128, 256, 256}},
+          {200000, 4, {128, 256, 512, 1024, 2048, 1024, 4096, 8192, 16384, 32768, 16384, 65536, 65536}}})
+    {
+        FirFilter filter;
+        filter.setLoadDistribution(period > 0, std::max(period, 1));
+        filter.setImpulseResponse(Signal32(1, length, 0.0f));
+        EXPECT_EQ(filter.partitionSizes, sizes) << length;
+        EXPECT_EQ(filter.totalLength, std::max(length, 128));
+        ASSERT_EQ(filter.partitions.size(), sizes.size());
+        int offset = 128;
+        for (std::size_t i = 0; i < sizes.size(); ++i)
+        {
+            EXPECT_EQ(filter.partitions[i]->fftSize, 2 * sizes[i]);
+            EXPECT_EQ(filter.partitions[i]->offset, offset);
+            EXPECT_GE(offset, sizes[i]) << "else a frame is not ready when it is due";
+            offset += sizes[i];
+        }
+        EXPECT_GE(offset, length) << "the whole response is covered";
+    }
+}
+
+TEST(FirFilterSchedule, LoadDistributionTakesEffectAtTheNextResponse)
+{
+    FirFilter filter(Signal32(1, 5000, 0.0f));
+    const auto plain = filter.partitionSizes;
+    filter.setLoadDistribution(true, 1);
+    EXPECT_EQ(filter.partitionSizes, plain);
+    filter.setImpulseResponse(Signal32(1, 5000, 0.0f));
+    EXPECT_EQ(filter.partitionSizes, (std::vector<int>{128, 256, 128, 512, 256, 1024, 512, 2048, 1024}));
+}
+
+//==============================================================================
+// Convolution
+
+const Blocks blockPatterns[] = {
+    {1},
+    {64},
+    {100},
+    {128},
+    {256},
+    {480},
+    {1024},
+    {1000, 3},
+    {127, 128, 129},
+    {256, 256, 256, 256, 100, 100, 100},
+    {1, 100, 127, 128, 129, 256, 1000, 256, 256, 5, 1024, 64, 512, 1024, 1024, 2048, 128, 128, 31}};
+
+TEST(FirFilter, IsOneLongConvolutionHoweverTheStreamIsCut)
+{
+    const auto input = makeNoiseSignal(2, 9000, 1);
+    for (const int length : {1, 2, 40, 128, 129, 300, 700, 1024, 3000})
+    {
+        const auto response = makeNoiseSignal(2, length, 2);
+        const std::vector<double> expected[] = {convolve(getChannel(input, 0), getChannel(response, 0)),
+                                                convolve(getChannel(input, 1), getChannel(response, 1))};
+        for (const auto& lengths : blockPatterns)
+        {
+            FirFilter filter(response);
+            const auto output = run(filter, input, lengths);
+            ASSERT_EQ(output.numChannels, 2);
+            for (int c = 0; c < 2; ++c)
+                EXPECT_LT(maxDifference(getChannel(output, c), expected[c]), getTolerance(length))
+                    << length << " taps, blocks from " << lengths[0];
+        }
+    }
+}
+
+TEST(FirFilter, LoadDistributionChangesNothingOfTheSound)
+{
+    // Among these are lengths whose last partition looks back further than the response is long.
+    for (const int period : {1, 2, 3, 4})
+        for (const int length : {1000, 9000, 13317, 24000, 29000, 60000})
+        {
+            SparseFilter sparse(1, length, period);
+            const auto input = makeNoiseSignal(1, length + 20000, 3);
+            for (const Blocks& lengths : {Blocks{480}, {512}, {64, 1000, 256}})
+            {
+                FirFilter filter;
+                filter.setLoadDistribution(true, period);
+                filter.setImpulseResponse(sparse.response);
+                SCOPED_TRACE(testing::Message()
+                             << "period " << period << ", " << length << " taps, blocks from " << lengths[0]);
+                expectConvolution(run(filter, input, lengths), input, sparse.response);
+            }
+        }
+}
+
+TEST(FirFilter, ALongHeadSilencesShiftedPartitionsThatReachBeyondIt)
+{
+    SparseFilter sparse(1, 20000, 4);
+    auto& [filter, response] = sparse;
+    const auto input = makeNoiseSignal(1, 5 * 8192, 4);
+    const auto output = run(filter, input, {8192});
+
+    // The partitions at 4096 and 5120 rest, and the second one ends at 9216.
+    auto heard = response;
+    std::fill(heard.getWriteChannelPtr(0) + 8192, heard.getWriteChannelPtr(0) + 9216, 0.0f);
+    expectConvolution(output, input, heard);
+}
+
+TEST(FirFilter, TakesBlocksLongerThanTheRingsMargin)
+{
+    const auto input = makeNoiseSignal(2, 60000, 5);
+    for (const int length : {100, 700, 3000})
+    {
+        const auto response = makeNoiseSignal(2, length, 6);
+        FirFilter filter(response);
+        expectConvolution(run(filter, input, {64, 5000, 64, 9001, 128, 16384, 20000, 64}), input, response);
+        EXPECT_GE(filter.input.maxBlockSize, 20000);
+    }
+}
+
+TEST(FirFilter, SeveralResponsesSeparatelyAndAsAMatrix)
+{
+    const auto input = makeNoiseSignal(2, 5000, 7);
+    // The first one tells the schedule; shorter ones end in silence.
+    for (const std::vector<int>& lengths : {std::vector<int>{700, 700, 700}, {700, 200, 300}, {700, 40, 1}})
+    {
+        std::vector<Signal32> responses;
+        for (const int length : lengths)
+            responses.push_back(makeNoiseSignal(2, length, 8 + unsigned(responses.size())));
+        for (const Blocks& blocks : {Blocks{64}, {256}, {100, 256, 256, 129}})
+        {
+            FirFilter separate, matrix;
+            separate.setMultipleIRs(responses);
+            matrix.setMultipleIRs(responses);
+            for (int k = 0; k < 3; ++k)
+            {
+                SCOPED_TRACE(testing::Message() << "response " << k << " of " << lengths[std::size_t(k)]
+                                                << " taps, blocks from " << blocks[0]);
+                const auto& response = responses[std::size_t(k)];
+                separate.reset();
+                const auto output = run(input, blocks,
+                                        [&](const Signal32& block)
+                                        { return separate.processMultiple(block).at(std::size_t(k)); });
+                expectConvolution(output, input, response);
+
+                matrix.reset();
+                const auto sums =
+                    run(input, blocks, [&](const Signal32& b) { return matrix.processSummed(b); });
+                ASSERT_EQ(sums.numChannels, 3);
+                auto expected = convolve(getChannel(input, 0), getChannel(response, 0));
+                addConvolution(getChannel(input, 1), getChannel(response, 1), expected);
+                EXPECT_LT(maxDifference(getChannel(sums, k), expected), getTolerance(1400));
+            }
+        }
+    }
+}
+
+TEST(FirFilter, ResultsBelongToTheCaller)
+{
+    const auto input = makeNoiseSignal(1, 512, 10);
+    const auto kept = toVector(input, 0);
+    FirFilter filter(makeNoiseSignal(1, 700, 11));
+    const auto first = filter.process(slice(input, 0, 256));
+    const auto before = toVector(first, 0);
+    const auto multiple = filter.processMultiple(slice(input, 256, 256));
+    const auto beforeMultiple = toVector(multiple.front(), 0);
+    for (int i = 0; i < 4; ++i)
+        filter.process(input);
+    EXPECT_EQ(toVector(first, 0), before);
+    EXPECT_EQ(toVector(multiple.front(), 0), beforeMultiple);
+    EXPECT_EQ(toVector(input, 0), kept);
+}
+
+//==============================================================================
+// Life cycle
+
+TEST(FirFilter, AfterAResetTheOutputDependsOnNewInputOnly)
+{
+    const auto response = makeNoiseSignal(2, 1000, 12), input = makeNoiseSignal(2, 3000, 13);
+    for (const Blocks& blocks : {Blocks{100}, {256}, {256, 100}})
+    {
+        FirFilter filter(response);
+        run(filter, makeNoiseSignal(2, 2900, 14), blocks);
+        filter.reset();
+        expectConvolution(run(filter, input, blocks), input, response);
+        run(filter, makeNoiseSignal(2, 900, 15), {128, 31});
+        filter.reset();
+        expectConvolution(run(filter, input, blocks), input, response);
+    }
+}
+
+TEST(FirFilter, AnotherChannelCountAndAnotherNumberOfResponses)
+{
+    FirFilter filter(makeNoiseSignal(1, 700, 16));
+    run(filter, makeNoiseSignal(1, 2048, 17), {256});
+    for (const int channels : {2, 4, 1})
+        for (const std::size_t count : {1u, 3u})
+        {
+            const std::vector<Signal32> responses(count, makeNoiseSignal(channels, 700, 18));
+            const auto input = makeNoiseSignal(channels, 2048, 19);
+            filter.reset();
+            filter.setMultipleIRs(responses);
+            // Partitions that are created under an FFT head run beside it, so another head comes first.
+            const auto output =
+                run(input, {100, 256, 256},
+                    [&](const Signal32& block) { return filter.processMultiple(block).back(); });
+            expectConvolution(output, input, responses.back());
+        }
+}
+
+TEST(FirFilter, ANewResponseFindsTheWholePast)
+{
+    // One length for the head alone, one where partitions change, one where all partitions stay.
+    struct Row
+    {
+        int before, after;
+    };
+    for (const auto& [before, after] : {Row{128, 128}, {128, 3000}, {300, 700}, {3000, 400}, {3000, 3000}})
+        for (const int block : {100, 256, 1024})
+        {
+            constexpr int change = 5 * 1024;
+            const int begin = change / block * block;
+            const auto input = makeNoiseSignal(1, 2 * change, 20);
+            const auto oldResponse = makeNoiseSignal(1, before, 21),
+                       newResponse = makeNoiseSignal(1, after, 22);
+            FirFilter filter(oldResponse);
+            run(filter, slice(input, 0, begin), {block});
+
+            // A response that is loaded while the head is an FFT leaves its inner partitions running until the
+            // head changes; so it changes here.
+            if (block == 256 || block == 1024)
+                filter.process(slice(input, begin, 1));
+            const int start = block == 100 ? begin : begin + 1;
+            filter.setImpulseResponse(newResponse);
+            const auto output =
+                run(filter, slice(input, start, input.numSamples - start), {block == 100 ? 100 : 99});
+
+            const auto expected = convolve(getChannel(input, 0), getChannel(newResponse, 0));
+            // Partitions that stay hand out what they had computed: no more than their offset.
+            int queued = 0;
+            for (const auto& partition : filter.partitions)
+                queued = partition->offset < before ? partition->offset : queued;
+            const auto first = static_cast<std::size_t>(start + queued);
+            EXPECT_LT(maxDifference(getChannel(output, 0).subspan(std::size_t(queued)),
+                                    std::span(expected).subspan(first)),
+                      getTolerance(after))
+                << before << " to " << after << " taps, blocks of " << block;
+        }
+}
+
+TEST(FirFilter, PartitionsCreatedUnderAnFftHeadSoundTwiceUntilTheHeadChanges)
+{
+    const auto input = makeNoiseSignal(1, 8192, 23), response = makeNoiseSignal(1, 512, 24);
+    FirFilter filter(makeNoiseSignal(1, 100, 25));
+    filter.process(slice(input, 0, 256));
+    filter.setImpulseResponse(response);
+    const auto output = run(filter, slice(input, 256, 4096 - 256), {256});
+
+    Signal32 twice(1, 512, 0.0f);
+    std::copy_n(response.getChannelPtr(0) + 128, 128, twice.getWriteChannelPtr(0) + 128);
+    const auto once = convolve(getChannel(input, 0), getChannel(response, 0));
+    auto expected = once;
+    addConvolution(getChannel(input, 0), getChannel(twice, 0), expected);
+    EXPECT_LT(maxDifference(getChannel(output, 0), std::span(expected).subspan(256, 4096 - 256)),
+              getTolerance(512));
+
+    const auto after = run(filter, slice(input, 4096, 4096), {100, 256, 256});
+    EXPECT_LT(maxDifference(getChannel(after, 0), std::span(once).subspan(4096)), getTolerance(512));
+}
+
+TEST(FirFilter, EmptyBlocksPassThrough)
+{
+    const auto input = makeNoiseSignal(2, 2000, 26), response = makeNoiseSignal(2, 700, 27);
+    FirFilter filter(response);
+    const auto output = run(input, {256, 100, 256},
+                            [&](const Signal32& block)
+                            {
+                                EXPECT_EQ(filter.process(Signal32(2, 0)).numSamples, 0);
+                                return filter.process(block);
+                            });
+    expectConvolution(output, input, response);
+}
+
+} // namespace
+} // namespace vesk::audio
