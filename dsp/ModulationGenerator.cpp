@@ -69,7 +69,7 @@ Signal32 ModulationGenerator::generateUnlimited(int channels, int samples)
 {
     if (type == Random)
         return generateFilteredNoise(channels, samples);
-    if (type == Sinusoidal && depth != 0.0f)
+    if (type == Sinusoidal)
         return SignalGenerator<float>::generateTone(channels, samples, static_cast<float>(sampleRate), depth,
                                                     rate, phase);
     return Signal32(channels, samples, 0.0f);

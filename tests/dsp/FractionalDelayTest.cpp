@@ -85,8 +85,10 @@ TEST(FractionalDelay, RandomReadIsOneStreamInAnyCutsAndAfterAReset)
                   4e-3); // positions are floats
     EXPECT_GT(maxDifference(getChannel(output, 0), getChannel(output, 1)), 0.5);
 
-    // Between depth and three times depth pass before the line's silence is crossed.
+    // After a reset nothing of the past is left, and between depth and three times depth pass before the line's
+    // silence is crossed.
     inCuts.reset();
+    EXPECT_EQ(meanSquare(getChannel(inCuts.process(Signal32(2, 1000, 0.0f)), 0)), 0.0);
     const Signal32 restarted = inCuts.process(input);
     const auto start = getChannel(restarted, 0);
     EXPECT_EQ(meanSquare(start.first(144)), 0.0);

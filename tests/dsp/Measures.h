@@ -14,10 +14,14 @@ namespace vesk::audio::test
 /** The discrete Fourier transform of all samples at one frequency, in cycles per sample. */
 inline std::complex<double> spectrumAt(std::span<const float> samples, double frequency)
 {
+    const auto step = std::polar(1.0, -2.0 * std::numbers::pi * frequency);
+    std::complex<double> rotation = 1.0;
     std::complex<double> sum = 0.0;
-    for (std::size_t n = 0; n < samples.size(); ++n)
-        sum += static_cast<double>(samples[n]) *
-               std::polar(1.0, -2.0 * std::numbers::pi * std::fmod(frequency * static_cast<double>(n), 1.0));
+    for (const float sample : samples)
+    {
+        sum += static_cast<double>(sample) * rotation;
+        rotation *= step;
+    }
     return sum;
 }
 
