@@ -63,6 +63,7 @@ void FeedbackNetwork::setLines(int channels, double rate, float roomSize)
     numChannels = channels;
     sampleRate = rate;
     roomScale = 1.0f + 4.0f * roomSize / 100.0f;
+    clearFilters();
     if (channels < 1)
         return;
 
@@ -96,6 +97,19 @@ void FeedbackNetwork::setLines(int channels, double rate, float roomSize)
     mixFrames.resize(index(frameBudget));
     shelfFrame.resize(index(frameBudget / numLines));
     injection.resize(index(2 * frameBudget / numLines));
+}
+
+/** What the filters hold would come back as a faint copy of the earlier tail. */
+void FeedbackNetwork::clearFilters()
+{
+    for (auto& line : lines)
+    {
+        line.damping.reset();
+        // A change of the channel count is what clears a double-precision filter.
+        const IirCoefficients shelf = line.shelf.coefficients;
+        line.shelf.setFilter(0, shelf);
+        line.shelf.setFilter(numChannels, shelf);
+    }
 }
 
 void FeedbackNetwork::setDecay(const Decay& decay)
@@ -267,18 +281,6 @@ void FeedbackNetwork::writeLines(int length)
             if (ring.position >= ring.length)
                 ring.position -= ring.length;
         }
-    }
-}
-
-void FeedbackNetwork::resetFilters()
-{
-    for (auto& line : lines)
-    {
-        line.damping.reset();
-        // A change of the channel count is what clears a double-precision filter.
-        const IirCoefficients shelf = line.shelf.coefficients;
-        line.shelf.setFilter(0, shelf);
-        line.shelf.setFilter(numChannels, shelf);
     }
 }
 

@@ -62,19 +62,17 @@ public:
 
     FeedbackNetwork();
 
-    /** Sizes all lines and empties them; the filters keep their state. To be followed by setDecay.
+    /** Sizes all lines and empties them and the filters: nothing of the earlier tail is left. To be followed by
+        setDecay.
         @param channels  1, 2 or 4
         @param roomSize  percent: 0 scales the delays by 1, 100 by 5 */
     void setLines(int channels, double sampleRate, float roomSize);
 
-    /** Sets gains and filters under a running tail. */
+    /** Sets gains and filters under a running tail, whose filters keep their state. */
     void setDecay(const Decay& decay);
 
     /** A block of setLines' channels, of any length. The first sound comes one line delay after the input. */
     Signal32 process(const Signal32& input);
-
-    /** Clears the filters' state. The lines are emptied by setLines alone. */
-    void resetFilters();
 
     /** Samples in a line's channel: its delay. */
     int getLineLength(int line, int channel) const { return lines[index(line)].rings[index(channel)].length; }
@@ -109,6 +107,7 @@ private:
         return frames.data() + line * numChannels * length;
     }
 
+    void clearFilters();
     void processFrame(const Signal32& input, Signal32& output, int start, int length);
     void readLines(int length);
     void filterLines(int length);

@@ -120,21 +120,14 @@ constexpr const char* getUnitText(ParameterUnit unit)
 {
     switch (unit)
     {
-    case ParameterUnit::decibels:
-        return "dB";
-    case ParameterUnit::seconds:
-        return "s";
-    case ParameterUnit::milliseconds:
-        return "ms";
-    case ParameterUnit::percent:
-        return "%";
-    case ParameterUnit::hertz:
-        return "Hz";
-    case ParameterUnit::decibelsPerOctave:
-        return "dB/octave";
+    case ParameterUnit::decibels: return "dB";
+    case ParameterUnit::seconds: return "s";
+    case ParameterUnit::milliseconds: return "ms";
+    case ParameterUnit::percent: return "%";
+    case ParameterUnit::hertz: return "Hz";
+    case ParameterUnit::decibelsPerOctave: return "dB/octave";
     case ParameterUnit::index:
-    case ParameterUnit::toggle:
-        break;
+    case ParameterUnit::toggle: break;
     }
     return "";
 }

@@ -32,12 +32,9 @@ float toStoredValue(ParameterUnit unit, float value)
 {
     switch (unit)
     {
-    case ParameterUnit::index:
-        return static_cast<float>(static_cast<int>(value + 0.5f));
-    case ParameterUnit::toggle:
-        return value > 0.5f ? 1.0f : 0.0f;
-    default:
-        return value;
+    case ParameterUnit::index: return static_cast<float>(static_cast<int>(value + 0.5f));
+    case ParameterUnit::toggle: return value > 0.5f ? 1.0f : 0.0f;
+    default: return value;
     }
 }
 } // namespace

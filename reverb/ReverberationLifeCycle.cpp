@@ -153,8 +153,7 @@ void Reverberation::reset()
 {
     if (hasChannels())
     {
-        network.resetFilters();
-        updateRoomSize();
+        updateRoomSize(); // empties the network
         modulationDelay.reset();
 
         postProcessor.reset();

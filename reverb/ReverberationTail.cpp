@@ -5,7 +5,7 @@
 namespace vesk::audio
 {
 
-/** Empties all lines: there is no other way to clear them. */
+/** Empties the network: there is no other way to clear it. */
 void Reverberation::updateRoomSize()
 {
     {

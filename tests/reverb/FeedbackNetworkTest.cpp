@@ -1,0 +1,268 @@
+#include "reverb/FeedbackNetwork.h"
+
+#include "core/MathEx.h"
+#include "tests/core/TestSignals.h"
+#include "tests/support/AudioMeasures.h"
+
+#include <bit>
+#include <gtest/gtest.h>
+
+namespace vesk::audio
+{
+
+using namespace test;
+
+namespace
+{
+constexpr float noDamping = 1.0e6f; // held at half the sample rate, where the damping is open
+
+FeedbackNetwork::Decay makeDecay(float reverbTime, float lowTimeScale = 100.0f, float damping = noDamping)
+{
+    return {reverbTime, lowTimeScale, 250.0f, damping};
+}
+
+/** The network sample by sample in double precision, with the matrix in full. */
+class SlowNetwork
+{
+public:
+    SlowNetwork(int channels, double sampleRate, double roomSize, const FeedbackNetwork::Decay& decay)
+        : numChannels(channels), shelf(std::abs(decay.lowTimeScale - 100.0) > 1.0)
+    {
+        const double scale = 1.0 + 4.0 * roomSize / 100.0;
+        for (int n = 0; n < 16; ++n)
+        {
+            const double nominal = 1.0 / (30.0 - 1.046875 * n);
+            const double t = scale * nominal;
+            const auto toGain = [&](double time) { return std::pow(1000.0, -t / time); };
+            gains[n] = toGain(decay.reverbTime * decay.lowTimeScale / 100.0) / 4.0;
+            shelves[n] = IirCoefficients::createHighShelf(
+                decay.crossoverFrequency, toGain(decay.reverbTime) / 4.0 / gains[n], sampleRate);
+            const double s = std::sin(std::numbers::pi * std::min(0.5, decay.dampingFrequency / sampleRate));
+            smoothing[n] = 1.0 - std::pow(s, std::pow(nominal * 30.0, std::sqrt(s)));
+            for (int c = 0; c < channels; ++c)
+            {
+                const int rank = channels == 4 ? std::array{0, 2, 1, 3}[static_cast<std::size_t>(c)] : c;
+                const double stretch =
+                    std::pow(30.0 / (30.0 - 1.046875), static_cast<double>(rank) / channels);
+                rings[c][n].assign(static_cast<std::size_t>(stretch * t * sampleRate), 0.0);
+            }
+        }
+    }
+
+    std::vector<double> step(const std::vector<double>& input)
+    {
+        double lines[4][16];
+        for (int c = 0; c < numChannels; ++c)
+            for (int n = 0; n < 16; ++n)
+                lines[c][n] = filter(c, n, rings[c][n][positions[c][n]] * gains[n]);
+
+        std::vector<double> output;
+        for (int c = 0; c < numChannels; ++c)
+            output.push_back(mix(lines[c], 15));
+        for (int c = 0; c < numChannels; ++c)
+            for (int n = 0; n < 16; ++n)
+            {
+                int from = numChannels == 1 ? c : c ^ 1;
+                if (numChannels == 4 && n % 2 == 0)
+                    from = (c + 2) % 4;
+                rings[c][n][positions[c][n]] = mix(lines[from], n) +
+                                               0.35 * input[static_cast<std::size_t>(from)] +
+                                               0.65 * input[static_cast<std::size_t>(c)];
+                positions[c][n] = (positions[c][n] + 1) % rings[c][n].size();
+            }
+        return output;
+    }
+
+private:
+    static double mix(const double* lines, unsigned row)
+    {
+        double sum = 0.0;
+        for (unsigned n = 0; n < 16; ++n)
+            sum += std::popcount(row & n) % 2 == 0 ? lines[n] : -lines[n];
+        return sum;
+    }
+
+    double filter(int c, int n, double x)
+    {
+        if (shelf)
+        {
+            const auto& [b, a] = shelves[n];
+            auto& z = shelfStates[c][n];
+            const double y = (b[0] * x) / a[0] + z[0];
+            z[0] = (b[1] * x - a[1] * y) / a[0] + z[1];
+            z[1] = (b[2] * x - a[2] * y) / a[0];
+            x = y;
+        }
+        return damped[c][n] += (1.0 - smoothing[n]) * (x - damped[c][n]);
+    }
+
+    int numChannels;
+    bool shelf;
+    double gains[16];
+    double smoothing[16];
+    IirCoefficients shelves[16];
+    std::vector<double> rings[4][16];
+    std::size_t positions[4][16] = {};
+    double shelfStates[4][16][2] = {};
+    double damped[4][16] = {};
+};
+
+Signal32 makeImpulse(int channels, int samples)
+{
+    Signal32 impulse(channels, samples, 0.0f);
+    for (int c = 0; c < channels; ++c)
+        impulse.getWriteChannelPtr(c)[0] = 1.0f;
+    return impulse;
+}
+} // namespace
+
+TEST(FeedbackNetwork, equalsTheNetworkComputedSampleBySample)
+{
+    struct Case
+    {
+        int channels;
+        double sampleRate;
+        float roomSize;
+        FeedbackNetwork::Decay decay;
+    };
+    const Case cases[] = {{1, 44100.0, 0.0f, makeDecay(2.0f)},
+                          {2, 48000.0, 30.0f, makeDecay(2.0f, 100.0f, 12000.0f)},
+                          {2, 22050.0, 50.0f, makeDecay(0.7f, 40.0f, 3000.0f)},
+                          {2, 8000.0, 0.0f, makeDecay(8.0f, 150.0f)},
+                          {4, 16000.0, 10.0f, makeDecay(4.0f, 180.0f, 5000.0f)}};
+    for (const auto& [channels, sampleRate, roomSize, decay] : cases)
+    {
+        SCOPED_TRACE(testing::Message() << channels << " channels at " << sampleRate);
+        FeedbackNetwork network;
+        network.setLines(channels, sampleRate, roomSize);
+        network.setDecay(decay);
+        SlowNetwork reference(channels, sampleRate, roomSize, decay);
+
+        const Signal32 input = makeNoiseSignal(channels, static_cast<int>(0.4 * sampleRate), 7);
+        const Signal32 output = network.process(input);
+        std::vector<std::vector<double>> expected(static_cast<std::size_t>(channels));
+        for (int i = 0; i < input.numSamples; ++i)
+        {
+            std::vector<double> frame;
+            for (int c = 0; c < channels; ++c)
+                frame.push_back(static_cast<double>(input.getChannelPtr(c)[i]));
+            const auto result = reference.step(frame);
+            for (std::size_t c = 0; c < result.size(); ++c)
+                expected[c].push_back(result[c]);
+        }
+        for (int c = 0; c < channels; ++c)
+        {
+            EXPECT_GT(getPeak(getChannel(output, c)), 0.1);
+            EXPECT_LT(maxDifference(getChannel(output, c), expected[static_cast<std::size_t>(c)]), 3e-5);
+        }
+    }
+}
+
+TEST(FeedbackNetwork, linesHaveTheLengthsOfTheTable)
+{
+    struct Case
+    {
+        int channels;
+        double sampleRate;
+        float roomSize;
+        int line, channel, length;
+    };
+    for (const auto& [channels, sampleRate, roomSize, line, channel, length] :
+         {Case{2, 48000.0, 30.0f, 0, 0, 3520}, Case{2, 48000.0, 30.0f, 0, 1, 3583},
+          Case{1, 44100.0, 0.0f, 0, 0, 1470}, Case{4, 48000.0, 0.0f, 0, 1, 1628},
+          Case{4, 48000.0, 0.0f, 0, 2, 1614}, Case{1, 96000.0, 100.0f, 15, 0, 33573}})
+    {
+        FeedbackNetwork network;
+        network.setLines(channels, sampleRate, roomSize);
+        EXPECT_EQ(network.getLineLength(line, channel), length);
+    }
+}
+
+TEST(FeedbackNetwork, decaysByTheReverbTime)
+{
+    for (const double sampleRate : {44100.0, 48000.0, 96000.0, 192000.0})
+        for (const float time : {0.5f, 2.0f, 8.0f, 32.0f})
+        {
+            FeedbackNetwork network;
+            network.setLines(2, sampleRate, 30.0f);
+            network.setDecay(makeDecay(time));
+            const Signal32 tail =
+                network.process(makeImpulse(2, static_cast<int>(static_cast<double>(time) * sampleRate)));
+            const double measured = getDecayTime(getChannel(tail, 0), sampleRate) / static_cast<double>(time);
+            RecordProperty("T30 of " + std::to_string(time) + " s at " + std::to_string(sampleRate),
+                           std::to_string(measured * static_cast<double>(time)));
+            EXPECT_NEAR(measured, 1.0, 0.03) << time << " s at " << sampleRate;
+        }
+}
+
+TEST(FeedbackNetwork, streamDoesNotDependOnItsCuts)
+{
+    for (const int channels : {1, 2, 4})
+    {
+        const auto run = [&](std::vector<int> lengths)
+        {
+            FeedbackNetwork network;
+            network.setLines(channels, 44100.0, 0.0f);
+            network.setDecay(makeDecay(3.0f, 60.0f, 9000.0f));
+            const Signal32 input = makeNoiseSignal(channels, 12000, 3);
+            Signal32 output(channels, 0);
+            for (std::size_t k = 0; output.numSamples < input.numSamples; ++k)
+            {
+                const int length =
+                    std::min(lengths[k % lengths.size()], input.numSamples - output.numSamples);
+                output =
+                    Signal32::concatenate(output, network.process(slice(input, output.numSamples, length)));
+            }
+            return output;
+        };
+        const Signal32 whole = run({12000});
+        // The shortest line has 1470 samples.
+        for (const auto& lengths :
+             {std::vector{1}, {31}, {1469}, {1470}, {2941}, {1, 127, 128, 129, 1000, 4096}})
+            for (int c = 0; c < channels; ++c)
+                EXPECT_LT(maxDifference(getChannel(whole, c), getChannel(run(lengths), c)), 1e-5)
+                    << lengths[0];
+    }
+}
+
+/** The loop must lose energy at every frequency, also where the shelf's corner is far below the sample rate and
+    where its gains are at their ends. */
+TEST(FeedbackNetwork, neverGrows)
+{
+    for (const double sampleRate : {8000.0, 48000.0, 192000.0, 384000.0})
+        for (const float crossover : {50.0f, 20000.0f})
+            for (const float time : {0.1f, 32.0f})
+                for (const float lowTimeScale : {20.0f, 50.0f, 200.0f})
+                    for (const float roomSize : {0.0f, 100.0f})
+                    {
+                        FeedbackNetwork network;
+                        network.setLines(1, sampleRate, roomSize);
+                        network.setDecay({time, lowTimeScale, crossover, 20000.0f});
+                        // A step stirs up the lowest frequencies, its edges all others.
+                        const int length = static_cast<int>(0.5 * sampleRate);
+                        network.process(Signal32(1, length, 1.0f));
+                        const double early =
+                            getEnergy(getChannel(network.process(Signal32(1, length, 0.0f)), 0));
+                        const double late =
+                            getEnergy(getChannel(network.process(Signal32(1, length, 0.0f)), 0));
+                        EXPECT_LE(late, 1.0001 * early)
+                            << sampleRate << " Hz, crossover " << crossover << ", " << time << " s, low "
+                            << lowTimeScale << ", size " << roomSize;
+                    }
+}
+
+TEST(FeedbackNetwork, clearedNetworkIsSilent)
+{
+    FeedbackNetwork network;
+    const auto prepare = [&]
+    {
+        network.setLines(2, 48000.0, 30.0f);
+        network.setDecay(makeDecay(2.0f, 50.0f, 5000.0f));
+    };
+    prepare();
+    EXPECT_GT(getEnergy(getChannel(network.process(makeNoiseSignal(2, 9000, 1)), 1)), 1.0);
+    prepare();
+    EXPECT_EQ(getPeak(getChannel(network.process(Signal32(2, 9000, 0.0f)), 0)), 0.0);
+}
+
+} // namespace vesk::audio

@@ -1,0 +1,179 @@
+#include <gtest/gtest.h>
+
+#include "tests/reverb/Engine.h"
+
+namespace vesk::audio
+{
+
+using namespace test;
+using R = Reverberation;
+
+namespace
+{
+/** Resting or bypassed, the engine hands back the very samples it was given. */
+bool passesUntouched(const Signal32& input, const Signal32& output)
+{
+    return input.getChannelPtr(0) == output.getChannelPtr(0);
+}
+
+const Settings dryOnly = {{R::muteTail, 1.0f}, {R::muteEarly, 1.0f}};
+} // namespace
+
+TEST(ReverberationFrame, restsAfterTwiceTheLongestTimeOfSilence)
+{
+    struct Case
+    {
+        float reverbTime, lowTimeScale, preDelay;
+        double limit;
+    };
+    for (const auto& [reverbTime, lowTimeScale, preDelay, limit] : {Case{0.1f, 100, 0, 0.2},
+                                                                    {0.1f, 200, 0, 0.4},
+                                                                    {0.1f, 50, 0, 0.2},
+                                                                    {0.1f, 100, 50, 0.3},
+                                                                    {2, 100, 0, 4.0}})
+    {
+        SCOPED_TRACE(limit);
+        const auto engine = makeEngine(2, 48000.0,
+                                       {{R::reverbTime, reverbTime},
+                                        {R::lowTimeScale, lowTimeScale},
+                                        {R::preDelay, preDelay},
+                                        {R::dryGain, -20.0f}});
+        // Largest sample below the threshold: silence, although its magnitude is large in the negative.
+        Signal32 silence(2, 480, -0.5f);
+        silence.getWriteChannelPtr(1)[7] = 2.4e-6f;
+        Signal32 sound = silence;
+        sound.getWriteChannelPtr(1)[7] = 2.6e-6f;
+
+        for (const bool bypassed : {false, true})
+        {
+            EXPECT_FALSE(passesUntouched(sound, engine->process(sound, false)));
+            int blocks = 0;
+            while (!passesUntouched(silence, engine->process(silence, false)) && blocks < 1000)
+            {
+                ++blocks;
+                if (bypassed) // the clock goes on
+                {
+                    EXPECT_TRUE(passesUntouched(silence, engine->process(silence, true)));
+                }
+            }
+            EXPECT_NEAR(blocks * (bypassed ? 2 : 1) * 0.01, limit, 0.0201);
+        }
+        // A longer time moves the limit at once; sound starts the clock anew.
+        engine->setParameterValue(R::reverbTime, 32.0f, false);
+        EXPECT_FALSE(passesUntouched(silence, engine->process(silence, false)));
+        engine->setParameterValue(R::reverbTime, reverbTime, false);
+        EXPECT_TRUE(passesUntouched(silence, engine->process(silence, false)));
+        EXPECT_FALSE(passesUntouched(sound, engine->process(sound, false)));
+    }
+}
+
+TEST(ReverberationFrame, tailHasDecayedWhenTheEngineRests)
+{
+    const auto engine = makeEngine(2, 48000.0, {{R::reverbTime, 1.0f}});
+    Signal32 input(2, 3 * 48000, 0.0f);
+    for (int c = 0; c < 2; ++c)
+        std::ranges::copy(makeNoise(4800, 5), input.getWriteChannelPtr(c));
+    const Signal32 output = render(*engine, input);
+    EXPECT_GT(getLevel(getRange(output, 0, 9600, 14400)), -50.0);
+    EXPECT_LT(getLevel(getRange(output, 0, 4800 + 90000, 4800 + 96000)), -110.0);
+    EXPECT_EQ(getPeak(getRange(output, 0, 4800 + 96000 + 1024, output.numSamples)), 0.0);
+}
+
+TEST(ReverberationFrame, gainsRampOverOneBlock)
+{
+    const auto engine = makeEngine(2, 48000.0, dryOnly + Settings{{R::dryGain, -6.0f}});
+    const float from = std::pow(10.0f, -6.0f / 20.0f);
+    const auto process = [&](int length) { return engine->process(Signal32(2, length, 1.0f), false); };
+    const auto expectFlat = [&](const Signal32& block, float value)
+    {
+        for (int c = 0; c < 2; ++c)
+            for (const float sample : getChannel(block, c))
+                ASSERT_NEAR(sample, value, 1e-6f);
+    };
+    expectFlat(process(256), from);
+
+    engine->setParameterValue(R::dryGain, 6.0f, false);
+    const float to = std::pow(10.0f, 6.0f / 20.0f);
+    expectFlat(process(1), from); // no room for a ramp
+    expectFlat(process(1), from);
+    const Signal32 ramp = process(256);
+    for (int n = 0; n < 256; ++n)
+    {
+        const double expected =
+            static_cast<double>(from) +
+            0.5 * static_cast<double>(to - from) * (1.0 - std::cos(std::numbers::pi * n / 256.0));
+        ASSERT_NEAR(ramp.getChannelPtr(1)[n], expected, 1e-5) << n;
+    }
+    expectFlat(process(100), to);
+
+    // A reset jumps to the gain; a bypassed block leaves the ramp for later.
+    engine->setParameterValue(R::dryGain, 0.0f, false);
+    engine->reset();
+    expectFlat(process(64), 1.0f);
+    engine->setParameterValue(R::dryGain, -48.0f, false);
+    expectFlat(engine->process(Signal32(2, 64, 1.0f), true), 1.0f);
+    EXPECT_EQ(process(64).getChannelPtr(0)[0], 1.0f);
+    expectFlat(process(64), std::pow(10.0f, -48.0f / 20.0f));
+    engine->setParameterValue(R::muteDry, 1.0f, false);
+    expectFlat(process(64), 0.0f);
+}
+
+/** dry + wet, each on its own gain; the pre-delay moves the wet signal by whole samples and never the dry one. */
+TEST(ReverberationFrame, outputIsTheSumOfDryAndDelayedWet)
+{
+    const Signal32 input = makeNoiseSignal(2, 16000, 9);
+    const auto run = [&](const Settings& settings)
+    { return render(*makeEngine(2, 48000.0, settings), input); };
+    const Signal32 wet = run(wetOnly);
+    EXPECT_GT(getLevel(getChannel(wet, 0)), -40.0);
+
+    const Settings delayed = {{R::preDelay, 20.9f}}; // 1003.2 samples
+    const Signal32 sum = run(delayed + Settings{{R::dryGain, -6.0f}, {R::wetGain, -12.0f}});
+    std::vector<float> expected = toVector(input, 1);
+    for (std::size_t n = 0; n < expected.size(); ++n)
+        expected[n] = expected[n] * std::pow(10.0f, -6.0f / 20.0f) +
+                      (n >= 1003 ? wet.getChannelPtr(1)[n - 1003] * std::pow(10.0f, -12.0f / 20.0f) : 0.0f);
+    EXPECT_LT(maxDifference(expected, getChannel(sum, 1)), 1e-6);
+
+    // Early reflections and tail add up to the wet signal.
+    const Signal32 early = run(wetOnly + Settings{{R::muteTail, 1.0f}});
+    const Signal32 tail = run(wetOnly + Settings{{R::muteEarly, 1.0f}});
+    EXPECT_GT(getLevel(getChannel(early, 0)), -40.0);
+    EXPECT_GT(getLevel(getChannel(tail, 0)), -40.0);
+    EXPECT_LT(maxDifference(getChannel(wet, 0), getChannel(early + tail, 0)), 1e-6);
+    EXPECT_EQ(getPeak(getChannel(run(wetOnly + dryOnly), 0)), 0.0);
+}
+
+/** A moving pre-delay fades over, without a jump, and blocks of one sample wait for room. */
+TEST(ReverberationFrame, preDelayFadesOver)
+{
+    const auto engine = makeEngine(1, 48000.0, wetOnly);
+    Signal32 sine(1, 48000);
+    for (int n = 0; n < sine.numSamples; ++n)
+        sine.getWriteChannelPtr(0)[n] =
+            static_cast<float>(std::sin(2.0 * std::numbers::pi * 100.0 * n / 48000.0));
+    render(*engine, slice(sine, 0, 24000));
+    float last = 0.0f;
+    double largestStep = 0.0;
+    double peak = 0.0;
+    for (int position = 24000; position < 48000;)
+    {
+        if (position % 2400 == 0)
+            engine->setParameterValue(R::preDelay, position % 4800 == 0 ? 5.0f : 0.0f, false);
+        const int length = position % 2400 == 0 ? 1 : std::min(512, 2400 - position % 2400);
+        const Signal32 block = engine->process(slice(sine, position, length), false);
+        for (const float sample : getChannel(block, 0))
+        {
+            largestStep = std::max(largestStep, std::abs(static_cast<double>(sample - last)));
+            last = sample;
+            peak = std::max(peak, std::abs(static_cast<double>(sample)));
+        }
+        if (position == 24000)
+            largestStep = 0.0;
+        position += length;
+    }
+    EXPECT_GT(peak, 0.01);
+    EXPECT_LT(largestStep, 0.03 * peak); // the sine itself steps by 0.013 of its peak
+}
+
+} // namespace vesk::audio

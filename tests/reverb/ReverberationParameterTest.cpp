@@ -1,0 +1,139 @@
+#include <gtest/gtest.h>
+
+#include "tests/reverb/Engine.h"
+
+#include <limits>
+#include <set>
+#include <string>
+
+namespace vesk::audio
+{
+
+using namespace test;
+using R = Reverberation;
+
+TEST(ReverberationParameters, engineAnswersItsTable)
+{
+    Reverberation engine;
+    std::set<std::string> names;
+    for (const ParameterInfo& info : parameterTable)
+    {
+        SCOPED_TRACE(info.name);
+        float low = 0.0f;
+        float high = 0.0f;
+        engine.getParameterRange(info.index, low, high);
+        EXPECT_EQ(low, info.minimum);
+        EXPECT_EQ(high, info.maximum);
+        EXPECT_EQ(engine.getParameterValue(info.index), info.defaultValue);
+        EXPECT_LE(low, info.defaultValue);
+        EXPECT_LE(info.defaultValue, high);
+        EXPECT_LT(low, high);
+        EXPECT_TRUE(names.insert(info.name).second);
+    }
+}
+
+TEST(ReverberationParameters, valuesAreClampedAndRounded)
+{
+    constexpr float infinity = std::numeric_limits<float>::infinity();
+    constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
+    struct Case
+    {
+        R::Parameter parameter;
+        float set, stored;
+    };
+    Reverberation engine;
+    for (const auto& [parameter, set, stored] : {Case{R::lowPassFrequency, 30000.0f, 25000.0f},
+                                                 {R::lowPassFrequency, -1.0f, 200.0f},
+                                                 {R::earlyPattern, 2.6f, 3.0f},
+                                                 {R::earlyPattern, 2.4f, 2.0f},
+                                                 {R::earlyPattern, 99.0f, 10.0f},
+                                                 {R::muteTail, 0.5f, 0.0f},
+                                                 {R::muteTail, 0.51f, 1.0f},
+                                                 {R::muteTail, -3.0f, 0.0f},
+                                                 {R::reverbTime, 0.0f, 0.1f},
+                                                 {R::reverbTime, infinity, 32.0f},
+                                                 {R::roomSize, notANumber, 100.0f}})
+    {
+        engine.setParameterValue(parameter, set, false);
+        EXPECT_EQ(engine.getParameterValue(parameter), stored) << parameter << " set to " << set;
+    }
+}
+
+TEST(ReverberationParameters, unknownIndicesAreRefused)
+{
+    Reverberation engine;
+    const auto expectRefusal = [](const auto& call)
+    {
+        try
+        {
+            call();
+            ADD_FAILURE() << "no exception";
+        }
+        catch (const std::out_of_range& error)
+        {
+            EXPECT_STREQ(error.what(), "Parameter index");
+        }
+    };
+    float low = 7.0f;
+    float high = 8.0f;
+    for (const int index : {-1, 26, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()})
+    {
+        expectRefusal([&] { engine.getParameterRange(index, low, high); });
+        expectRefusal([&] { engine.getParameterValue(index); });
+        expectRefusal([&] { engine.setParameterValue(index, 1.0f, true); });
+    }
+    EXPECT_EQ(low, 7.0f);
+    EXPECT_EQ(high, 8.0f);
+}
+
+TEST(ReverberationParameters, surviveFormatsAndResets)
+{
+    Reverberation engine;
+    for (const ParameterInfo& info : parameterTable)
+        engine.setParameterValue(info.index, info.maximum, false);
+    const AudioFormat stereo(2, 44100.0);
+    EXPECT_TRUE(engine.setFormat(stereo, stereo));
+    engine.reset();
+    EXPECT_FALSE(engine.setFormat(stereo, AudioFormat(2, 48000.0)));
+    for (const ParameterInfo& info : parameterTable)
+        EXPECT_EQ(engine.getParameterValue(info.index), info.maximum) << info.name;
+}
+
+/** The dear rebuilds wait for the end of a batch, whoever ends it. */
+TEST(ReverberationParameters, responsesAreRebuiltWhenToldSo)
+{
+    const auto engine = makeEngine(2, 48000.0, wetOnly + Settings{{R::muteTail, 1.0f}});
+    const auto getEarlyEnergy = [&]
+    {
+        engine->reset();
+        return getEnergy(getChannel(render(*engine, makeImpulse(2, 12000, {0})), 0));
+    };
+    const double before = getEarlyEnergy();
+    engine->setParameterValue(R::highShelfGain, -12.0f, false);
+    EXPECT_DOUBLE_EQ(getEarlyEnergy(), before);
+    // No change of its own, yet it ends the batch.
+    engine->setParameterValue(R::wetGain, 0.0f, true);
+    const double after = getEarlyEnergy();
+    EXPECT_LT(after, 0.5 * before);
+    engine->setParameterValue(R::highShelfGain, 0.0f, true);
+    EXPECT_DOUBLE_EQ(getEarlyEnergy(), before);
+}
+
+/** Without channels nothing can be built; the next valid format and effectuation make up for it. */
+TEST(ReverberationParameters, formatWithoutChannelsWaits)
+{
+    Reverberation engine;
+    applySettings(engine, wetOnly + Settings{{R::muteTail, 1.0f}});
+    EXPECT_TRUE(engine.setFormat(AudioFormat(0, 48000.0), AudioFormat(0, 48000.0)));
+    engine.reset();
+    engine.setParameterValue(R::earlyLevel, 18.0f, true);
+    engine.setParameterValue(R::roomSize, 50.0f, true);
+    const AudioFormat stereo(2, 48000.0);
+    EXPECT_TRUE(engine.setFormat(stereo, stereo));
+    const auto fresh = makeEngine(
+        2, 48000.0, wetOnly + Settings{{R::muteTail, 1.0f}, {R::earlyLevel, 18.0f}, {R::roomSize, 50.0f}});
+    const Signal32 impulse = makeImpulse(2, 20000, {0});
+    EXPECT_EQ(toVector(render(engine, impulse), 0), toVector(render(*fresh, impulse), 0));
+}
+
+} // namespace vesk::audio

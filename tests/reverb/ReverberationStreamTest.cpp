@@ -1,0 +1,154 @@
+#include <gtest/gtest.h>
+
+#include "tests/reverb/Engine.h"
+
+namespace vesk::audio
+{
+
+using namespace test;
+using R = Reverberation;
+
+namespace
+{
+const Settings still = {{R::modulationDepth, 0.0f}};
+
+bool isSound(const Signal32& signal, double limit)
+{
+    double peak = 0.0;
+    for (int c = 0; c < signal.numChannels; ++c)
+    {
+        if (!isFinite(getChannel(signal, c)))
+            return false;
+        peak = std::max(peak, getPeak(getChannel(signal, c)));
+    }
+    return peak < limit;
+}
+} // namespace
+
+TEST(ReverberationStream, doesNotDependOnItsCuts)
+{
+    const Signal32 input = makeNoiseSignal(2, 16000, 4);
+    const auto run = [&](const std::vector<int>& lengths, const Settings& settings)
+    { return render(*makeEngine(2, 48000.0, settings), input, lengths); };
+    struct Case
+    {
+        Settings settings;
+        double tolerance;
+    };
+    const std::vector<std::vector<int>> allCuts = {{1},   {31},  {64},  {100},  {127},
+                                                   {128}, {129}, {256}, {4096}, {1, 64, 4096, 127, 256, 31}};
+    // The modulation counts samples from the block's start in single precision, so its cuts show a little more.
+    const Settings low = {{R::lowTimeScale, 60.0f}};
+    for (const auto& [settings, tolerance] : {Case{still, 1e-5}, {still + low, 1e-5}, {{}, 1e-4}})
+    {
+        const Signal32 whole = run({1000}, settings);
+        EXPECT_GT(getLevel(getChannel(whole, 0)), -30.0);
+        double largest = 0.0;
+        for (const auto& lengths : allCuts)
+        {
+            const Signal32 cut = run(lengths, settings);
+            for (int c = 0; c < 2; ++c)
+                largest = std::max(largest, maxDifference(getChannel(whole, c), getChannel(cut, c)));
+            EXPECT_LT(largest, tolerance) << "blocks of " << lengths.front();
+        }
+        RecordProperty("largest difference within " + std::to_string(tolerance),
+                       std::to_string(largest * 1e6) + "e-6");
+    }
+}
+
+TEST(ReverberationStream, isTheSameEachTime)
+{
+    const Signal32 input = makeNoiseSignal(2, 24000, 6);
+    const auto run = [&] {
+        return render(*makeEngine(2, 44100.0, {{R::modulationDepth, 50.0f}}, 256), input, {256});
+    };
+    const Signal32 first = run();
+    const Signal32 second = run();
+    for (int c = 0; c < 2; ++c)
+        EXPECT_EQ(toVector(first, c), toVector(second, c));
+
+    // Without modulation, whose noise runs on, a reset engine is as good as new.
+    const auto engine = makeEngine(2, 44100.0, still, 256);
+    const Signal32 fresh = render(*engine, input, {256});
+    engine->reset();
+    EXPECT_EQ(toVector(render(*engine, input, {256}), 1), toVector(fresh, 1));
+}
+
+/** Every parameter at its ends, and mixtures at random, under loud, faint and no input. */
+TEST(ReverberationStream, staysFiniteAtAllSettings)
+{
+    std::vector<Settings> all;
+    for (const ParameterInfo& info : parameterTable)
+    {
+        all.push_back({{info.index, info.minimum}});
+        all.push_back({{info.index, info.maximum}});
+    }
+    std::mt19937 generator(12);
+    for (int k = 0; k < 60; ++k)
+    {
+        Settings settings;
+        for (const ParameterInfo& info : parameterTable)
+        {
+            const float position = static_cast<float>(generator() >> 8) * 0x1p-24f;
+            const float value = position < 0.25f   ? info.minimum
+                                : position > 0.75f ? info.maximum
+                                                   : info.minimum + position * (info.maximum - info.minimum);
+            settings.emplace_back(info.index, value);
+        }
+        all.push_back(settings);
+    }
+    // The faint input is denormal, yet has positive samples.
+    const Signal32 loud = makeNoiseSignal(2, 24000, 8);
+    const Signal32 faint = 1e-39f * loud;
+    const Signal32 none(2, 24000, 0.0f);
+    for (const Settings& settings : all)
+    {
+        const auto engine = makeEngine(2, 48000.0, settings, 512);
+        const bool sound = isSound(render(*engine, loud), 1e4) && isSound(render(*engine, none), 1e4);
+        engine->reset();
+        const bool quiet = isSound(render(*engine, faint), 1e-30) && isSound(render(*engine, none), 1e-30);
+        if (!sound || !quiet)
+            for (const auto& [parameter, value] : settings)
+                ADD_FAILURE() << parameterTable[parameter].name << " = " << value;
+    }
+}
+
+TEST(ReverberationStream, runsAtAllRatesLayoutsAndBlockSizes)
+{
+    const int blocks[] = {1, 64, 1000, 4096, 65536};
+    std::size_t k = 0;
+    for (const double rate : {8000.0, 11025.0, 44100.0, 88200.0, 192000.0, 384000.0})
+        for (const auto& [in, out] : {std::pair{1, 1}, {1, 2}, {2, 2}, {6, 6}, {2, 8}, {8, 2}})
+        {
+            const int block = blocks[k++ % std::size(blocks)];
+            SCOPED_TRACE(testing::Message()
+                         << rate << " Hz, " << in << " to " << out << ", blocks of " << block);
+            const auto engine = makeEngine(AudioFormat(in, rate), AudioFormat(out, rate), wetOnly, block);
+            const int length = std::max(block, static_cast<int>((block == 1 ? 0.03 : 0.3) * rate));
+            const Signal32 output = render(*engine, makeNoiseSignal(in, length, 5), {block});
+            EXPECT_TRUE(isSound(output, 100.0));
+            EXPECT_GT(getLevel(getChannel(output, 0)), -40.0);
+        }
+}
+
+/** New formats on one engine, one after the other: each is as good as on a new engine. */
+TEST(ReverberationStream, formatsFollowEachOther)
+{
+    Reverberation engine;
+    applySettings(engine, still);
+    for (const auto& [channels, rate] :
+         {std::pair{2, 48000.0}, {6, 44100.0}, {1, 96000.0}, {2, 96000.0}, {2, 96000.0}})
+    {
+        const AudioFormat format(channels, rate);
+        EXPECT_TRUE(engine.setFormat(format, format));
+        engine.reset();
+        const auto fresh = makeEngine(channels, rate, still);
+        const Signal32 input = makeNoiseSignal(channels, 9000, 1);
+        const Signal32 output = render(engine, input, {100});
+        const Signal32 expected = render(*fresh, input, {100});
+        for (int c = 0; c < channels; ++c)
+            EXPECT_EQ(toVector(output, c), toVector(expected, c)) << channels << " at " << rate;
+    }
+}
+
+} // namespace vesk::audio
