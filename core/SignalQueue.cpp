@@ -1,6 +1,7 @@
 #include "core/SignalQueue.h"
 
 #include "core/VectorOps.h"
+#include "core/kernels.h"
 
 #include <algorithm>
 #include <cassert>
@@ -22,24 +23,22 @@ void SignalQueue<S>::add(const S& block)
 }
 
 template <typename S>
-void SignalQueue<S>::get(S& destination)
+template <typename Consume>
+void SignalQueue<S>::takeFromFront(int length, Consume consume)
 {
-    const int length = destination.numSamples;
     if (length <= 0)
         return;
     assert(numSamples >= length);
 
-    int remaining = length;
-    while (remaining > 0)
+    int done = 0;
+    while (done < length)
     {
         const S& oldest = blocks.front();
         const int available = oldest.numSamples - readOffset;
-        const int count = std::min(available, remaining);
-        for (int channel = 0; channel < destination.numChannels; ++channel)
-            vo::copy(oldest.getChannelPtr(channel) + readOffset,
-                     destination.getWriteChannelPtr(channel) + (length - remaining), count);
+        const int count = std::min(available, length - done);
+        consume(oldest, readOffset, done, count);
 
-        remaining -= count;
+        done += count;
         readOffset += count;
         if (count == available)
         {
@@ -48,6 +47,32 @@ void SignalQueue<S>::get(S& destination)
         }
     }
     numSamples -= length;
+}
+
+template <typename S>
+void SignalQueue<S>::get(S& destination)
+{
+    takeFromFront(destination.numSamples,
+                  [&](const S& block, int from, int to, int count)
+                  {
+                      for (int channel = 0; channel < destination.numChannels; ++channel)
+                          vo::copy(block.getChannelPtr(channel) + from,
+                                   destination.getWriteChannelPtr(channel) + to, count);
+                  });
+}
+
+template <typename S>
+void SignalQueue<S>::getAdding(S& destination)
+{
+    takeFromFront(destination.numSamples,
+                  [&](const S& block, int from, int to, int count)
+                  {
+                      for (int channel = 0; channel < destination.numChannels; ++channel)
+                      {
+                          auto* sum = destination.getWriteChannelPtr(channel) + to;
+                          check(ippsAdd_32f(block.getChannelPtr(channel) + from, sum, sum, count));
+                      }
+                  });
 }
 
 template <typename S>

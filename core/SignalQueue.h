@@ -32,6 +32,9 @@ public:
     /** Moves the oldest samples into destination, as many as it is long, for its channels. */
     void get(S& destination);
 
+    /** As get, but adds the samples onto what destination holds. */
+    void getAdding(S& destination);
+
     /** The oldest samples as a new signal; an empty signal if nothing has fixed the channel count. */
     S get(int samples);
 
@@ -52,6 +55,12 @@ public:
     std::list<S, PoolAllocator<S>> blocks; ///< oldest first
     int readOffset = 0;                    ///< samples of the oldest block already taken
     int numChannels = -1;                  ///< -1 until the first block
+
+private:
+    /** Removes length samples from the front, handing each piece of a block to
+        consume(block, start in the block, start in the result, count). */
+    template <typename Consume>
+    void takeFromFront(int length, Consume consume);
 };
 
 extern template class SignalQueue<Signal32>;

@@ -46,13 +46,16 @@ void FirFilter::setMultipleIRs(const std::vector<Signal32>& responses)
     else if (blockPartition != nullptr)
         blockPartition->setImpulseResponses(impulseResponses);
 
+    // The first response tells the length; the heads share a past, so a shorter one is filled up.
+    const int numTaps = std::min(impulseResponses.front().numSamples, headLength);
     std::vector<Signal32> heads;
     heads.reserve(impulseResponses.size());
     for (const auto& response : impulseResponses)
     {
-        Signal32 head(numChannels, std::min(response.numSamples, headLength));
+        Signal32 head(numChannels, numTaps, 0.0f);
         for (int channel = 0; channel < numChannels; ++channel)
-            vo::copy(response.getChannelPtr(channel), head.getWriteChannelPtr(channel), head.numSamples);
+            vo::copy(response.getChannelPtr(channel), head.getWriteChannelPtr(channel),
+                     std::min(response.numSamples, numTaps));
         heads.push_back(head);
     }
     directFilter->setFilter(heads);
@@ -182,11 +185,7 @@ void FirFilter::endBlock(int length) { input.readPosition = (input.readPosition 
 void FirFilter::computeMultiple(const Signal32& block)
 {
     beginBlock(block);
-    const auto responseCount = static_cast<std::size_t>(numImpulseResponses);
-    results.resize(responseCount);
-    partitionOutput.resize(responseCount);
-    for (auto& output : partitionOutput)
-        output.ensureDimensions(numChannels, block.numSamples);
+    results.resize(static_cast<std::size_t>(numImpulseResponses));
 
     if (blockPartition != nullptr)
     {
@@ -198,13 +197,8 @@ void FirFilter::computeMultiple(const Signal32& block)
         directFilter->process(block, results);
 
     for (auto& partition : partitions)
-    {
-        if (!partition->active)
-            continue;
-        partition->process(input, partitionOutput);
-        for (std::size_t k = 0; k < responseCount; ++k)
-            results[k] += partitionOutput[k];
-    }
+        if (partition->active)
+            partition->processAdding(input, results);
     endBlock(block.numSamples);
 }
 
@@ -223,10 +217,6 @@ std::vector<Signal32> FirFilter::processMultiple(const Signal32& block)
 Signal32 FirFilter::processSummed(const Signal32& block)
 {
     beginBlock(block);
-    partitionOutput.resize(1);
-    auto& output = partitionOutput.front();
-    output.ensureDimensions(numImpulseResponses, block.numSamples);
-
     Signal32 result;
     if (blockPartition != nullptr)
     {
@@ -237,12 +227,8 @@ Signal32 FirFilter::processSummed(const Signal32& block)
         result = directFilter->processSummed(block);
 
     for (auto& partition : partitions)
-    {
-        if (!partition->active)
-            continue;
-        partition->processSummed(input, output);
-        result += output;
-    }
+        if (partition->active)
+            partition->processSummedAdding(input, result);
     endBlock(block.numSamples);
     return result;
 }

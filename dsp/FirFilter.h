@@ -79,7 +79,6 @@ public:
     std::vector<Signal32> impulseResponses;
     std::vector<std::unique_ptr<Partition>> partitions; ///< in schedule order
     std::shared_ptr<Partition> blockPartition;          ///< the FFT head, or empty
-    std::vector<Signal32> partitionOutput;
     int numChannels = 0;
     int numImpulseResponses = 0;
     int blockSize = -1;          ///< block length last seen
@@ -126,8 +125,12 @@ public:
     /** Result k, as long as outputs[0], for each response; input.readPosition marks the block's start. */
     void process(CircularBuffer<Signal32>& input, std::vector<Signal32>& outputs);
 
+    /** The same, added onto the outputs. */
+    void processAdding(CircularBuffer<Signal32>& input, std::vector<Signal32>& outputs);
+
     /** Channel k of output is the sum over the input channels for response k. */
     void processSummed(CircularBuffer<Signal32>& input, Signal32& output);
+    void processSummedAdding(CircularBuffer<Signal32>& input, Signal32& output);
 
     /** Drops what is queued. */
     void reset();
@@ -142,7 +145,6 @@ public:
     Signal32 timeBuffer;
     ComplexSignal32 inputSpectrum;
     ComplexSignal32 productSpectrum;
-    Signal32 resultBuffer;
     std::vector<SignalQueue<Signal32>> queues;
     std::vector<ComplexSignal32> irSpectra;
     int offset;
@@ -152,11 +154,10 @@ private:
     int getSize() const { return fftSize / 2; }
     int getLead() const;
     int countFrames(int blockLength) const;
+    void computeFrames(CircularBuffer<Signal32>& input, int blockLength);
+    void computeSummedFrames(CircularBuffer<Signal32>& input, int blockLength);
     void transformFrame(CircularBuffer<Signal32>& input, int start);
-    void keepSecondHalf(Signal32& frames, int frame);
-    void fetch(SignalQueue<Signal32>& queue, Signal32& output);
-
-    std::vector<Signal32> newFrames; ///< results of the present block before they are queued
+    void queueProduct(SignalQueue<Signal32>& queue);
 };
 
 /** The direct-form head: up to 128 taps for each response and channel, over one shared past. */

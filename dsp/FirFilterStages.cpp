@@ -23,14 +23,16 @@ FirFilter::Partition::Partition(int channels, int responses, int start, int size
 void FirFilter::Partition::setImpulseResponses(const std::vector<Signal32>& responses)
 {
     impulseResponseLength = responses.front().numSamples;
+    const float scale = 1.0f / static_cast<float>(fftSize);
     for (std::size_t k = 0; k < irSpectra.size(); ++k)
     {
-        // The zeros behind the slice make the circular convolution of the transform a linear one.
+        // The zeros beside the slice make the circular convolution of the transform a linear one. Standing in
+        // the second half, the slice delays by half a frame.
         Signal32 padded(numChannels, fftSize, 0.0f);
         const int length = std::min(responses[k].numSamples - offset, getSize());
         for (int channel = 0; channel < numChannels && length > 0; ++channel)
-            vo::copy(responses[k].getChannelPtr(channel) + offset, padded.getWriteChannelPtr(channel),
-                     length);
+            check(ippsMulC_32f(responses[k].getChannelPtr(channel) + offset, scale,
+                               padded.getWriteChannelPtr(channel) + getSize(), length));
         irSpectra[k] = ComplexSignal32(numChannels, getSize() + 1);
         fourierTransform.forwardReal(padded, irSpectra[k]);
     }
@@ -55,84 +57,80 @@ void FirFilter::Partition::transformFrame(CircularBuffer<Signal32>& input, int s
     fourierTransform.forwardReal(timeBuffer, inputSpectrum);
 }
 
-/** The first half of a circular convolution is wrapped around; the second half is the frame's output. */
-void FirFilter::Partition::keepSecondHalf(Signal32& frames, int frame)
+/** Transforms the product back into a block whose handle shows the half that is valid, and queues it. */
+void FirFilter::Partition::queueProduct(SignalQueue<Signal32>& queue)
 {
-    for (int channel = 0; channel < frames.numChannels; ++channel)
-        vo::copy(resultBuffer.getChannelPtr(channel) + getSize(),
-                 frames.getWriteChannelPtr(channel) + frame * getSize(), getSize());
+    Signal32 frame(productSpectrum.numChannels, fftSize);
+    fourierTransform.inverseReal(productSpectrum, frame);
+    frame.numSamples = getSize();
+    queue.add(frame);
 }
 
-/** Takes a block's worth out of the queue and pays for the unscaled transform pair. */
-void FirFilter::Partition::fetch(SignalQueue<Signal32>& queue, Signal32& output)
+void FirFilter::Partition::computeFrames(CircularBuffer<Signal32>& input, int blockLength)
 {
-    queue.get(output);
-    output *= 1.0f / static_cast<float>(fftSize);
+    const int numBins = getSize() + 1;
+    const int lead = getLead();
+    const int count = countFrames(blockLength);
+    for (int frame = 0; frame < count; ++frame)
+    {
+        transformFrame(input, frame * getSize() - lead);
+        productSpectrum.ensureDimensions(numChannels, numBins);
+        for (std::size_t k = 0; k < queues.size(); ++k)
+        {
+            for (int channel = 0; channel < numChannels; ++channel)
+                check(ippsMul_32fc(inputSpectrum.getChannelPtr(channel), irSpectra[k].getChannelPtr(channel),
+                                   productSpectrum.getWriteChannelPtr(channel), numBins));
+            queueProduct(queues[k]);
+        }
+    }
+}
+
+void FirFilter::Partition::computeSummedFrames(CircularBuffer<Signal32>& input, int blockLength)
+{
+    const int numBins = getSize() + 1;
+    const int lead = getLead();
+    const int count = countFrames(blockLength);
+    for (int frame = 0; frame < count; ++frame)
+    {
+        transformFrame(input, frame * getSize() - lead);
+        productSpectrum.ensureDimensions(numImpulseResponses, numBins);
+        for (int k = 0; k < numImpulseResponses; ++k)
+        {
+            const auto& spectra = irSpectra[static_cast<std::size_t>(k)];
+            auto* sum = productSpectrum.getWriteChannelPtr(k);
+            check(ippsMul_32fc(inputSpectrum.getChannelPtr(0), spectra.getChannelPtr(0), sum, numBins));
+            for (int channel = 1; channel < numChannels; ++channel)
+                check(ippsAddProduct_32fc(inputSpectrum.getChannelPtr(channel),
+                                          spectra.getChannelPtr(channel), sum, numBins));
+        }
+        queueProduct(queues.front());
+    }
 }
 
 void FirFilter::Partition::process(CircularBuffer<Signal32>& input, std::vector<Signal32>& outputs)
 {
-    const int numBins = getSize() + 1;
-    const int lead = getLead();
-    const int count = countFrames(outputs.front().numSamples);
-    if (count > 0)
-    {
-        productSpectrum.ensureDimensions(numChannels, numBins);
-        resultBuffer.ensureDimensions(numChannels, fftSize);
-        newFrames.resize(queues.size());
-        for (auto& frames : newFrames)
-            frames = Signal32(numChannels, count * getSize());
-
-        for (int frame = 0; frame < count; ++frame)
-        {
-            transformFrame(input, frame * getSize() - lead);
-            for (std::size_t k = 0; k < queues.size(); ++k)
-            {
-                for (int channel = 0; channel < numChannels; ++channel)
-                    check(ippsMul_32fc(inputSpectrum.getChannelPtr(channel),
-                                       irSpectra[k].getChannelPtr(channel),
-                                       productSpectrum.getWriteChannelPtr(channel), numBins));
-                fourierTransform.inverseReal(productSpectrum, resultBuffer);
-                keepSecondHalf(newFrames[k], frame);
-            }
-        }
-        for (std::size_t k = 0; k < queues.size(); ++k)
-            queues[k].add(std::exchange(newFrames[k], {}));
-    }
-
+    computeFrames(input, outputs.front().numSamples);
     for (std::size_t k = 0; k < queues.size(); ++k)
-        fetch(queues[k], outputs[k]);
+        queues[k].get(outputs[k]);
+}
+
+void FirFilter::Partition::processAdding(CircularBuffer<Signal32>& input, std::vector<Signal32>& outputs)
+{
+    computeFrames(input, outputs.front().numSamples);
+    for (std::size_t k = 0; k < queues.size(); ++k)
+        queues[k].getAdding(outputs[k]);
 }
 
 void FirFilter::Partition::processSummed(CircularBuffer<Signal32>& input, Signal32& output)
 {
-    const int numBins = getSize() + 1;
-    const int lead = getLead();
-    const int count = countFrames(output.numSamples);
-    if (count > 0)
-    {
-        productSpectrum.ensureDimensions(numImpulseResponses, numBins);
-        resultBuffer.ensureDimensions(numImpulseResponses, fftSize);
-        Signal32 frames(numImpulseResponses, count * getSize());
+    computeSummedFrames(input, output.numSamples);
+    queues.front().get(output);
+}
 
-        for (int frame = 0; frame < count; ++frame)
-        {
-            transformFrame(input, frame * getSize() - lead);
-            for (int k = 0; k < numImpulseResponses; ++k)
-            {
-                const auto& spectra = irSpectra[static_cast<std::size_t>(k)];
-                auto* sum = productSpectrum.getWriteChannelPtr(k);
-                check(ippsMul_32fc(inputSpectrum.getChannelPtr(0), spectra.getChannelPtr(0), sum, numBins));
-                for (int channel = 1; channel < numChannels; ++channel)
-                    check(ippsAddProduct_32fc(inputSpectrum.getChannelPtr(channel),
-                                              spectra.getChannelPtr(channel), sum, numBins));
-            }
-            fourierTransform.inverseReal(productSpectrum, resultBuffer);
-            keepSecondHalf(frames, frame);
-        }
-        queues.front().add(frames);
-    }
-    fetch(queues.front(), output);
+void FirFilter::Partition::processSummedAdding(CircularBuffer<Signal32>& input, Signal32& output)
+{
+    computeSummedFrames(input, output.numSamples);
+    queues.front().getAdding(output);
 }
 
 void FirFilter::Partition::reset()
