@@ -63,9 +63,17 @@ void FirFilter::setMultipleIRs(const std::vector<Signal32>& responses)
     updatePartitionSizes();
     updatePartitions();
 
-    const int wanted = std::max(blockPartitionSize, headLength) + totalLength + input.maxBlockSize;
+    const int covered = std::max(totalLength, getLookBack());
+    const int wanted = std::max(blockPartitionSize, headLength) + covered + input.maxBlockSize;
     if (wanted > input.capacity)
         input.resize(wanted);
+}
+
+/** How far before a block the first frame of any partition may start. The last partition can be larger than
+    what it covers of the response, and then looks back further than the response is long. */
+int FirFilter::getLookBack() const
+{
+    return partitions.empty() ? 0 : partitions.back()->offset + partitions.back()->fftSize / 2;
 }
 
 void FirFilter::createBlockPartition()
@@ -171,7 +179,7 @@ void FirFilter::beginBlock(const Signal32& block)
 {
     assert(numImpulseResponses > 0);
     const int length = MathEx::findLargerPowerOfTwo(block.numSamples);
-    const int covered = MathEx::findLargerPowerOfTwo(totalLength);
+    const int covered = std::max(MathEx::findLargerPowerOfTwo(totalLength), getLookBack());
     const int needed = std::max(length, covered) + std::max(length, headLength);
     if (input.capacity < needed)
         input.resize(needed + input.maxBlockSize);

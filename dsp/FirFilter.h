@@ -94,6 +94,7 @@ private:
     void updatePartitions();
     void updateBlockSize(int length);
     void createBlockPartition();
+    int getLookBack() const;
     void beginBlock(const Signal32& block);
     void endBlock(int length);
     void computeMultiple(const Signal32& block);
