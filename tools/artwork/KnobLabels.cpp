@@ -12,13 +12,13 @@ constexpr float height = 100.0f;
 constexpr float margin = 24.0f;
 
 /** Both heights and baselines are whole units, so that the letters' flat edges fall between pixels. */
-constexpr float bandCapHeight = 14.0f;
-constexpr float bandBaseline = 27.0f; // the capitals stand in the middle of the band's 40 units
+constexpr float bandCapHeight = 12.0f;
+constexpr float bandBaseline = 26.0f; // the capitals stand in the middle of the band's 40 units
 constexpr float faderCapHeight = 12.0f;
 constexpr float faderBaseline = 78.0f;
 
 /** White on orange, and small capitals in general, read better a little apart. */
-constexpr float letterSpacing = 0.07f;
+constexpr float letterSpacing = 0.09f;
 
 enum class Side
 {
