@@ -8,7 +8,7 @@ namespace
 using test::convolve;
 using test::makeNoise;
 
-/** A filter with its memory, all of it one byte off any alignment. */
+/** A filter with its memory, the scratch one byte off any alignment. */
 class Filter
 {
 public:
@@ -17,7 +17,7 @@ public:
         const auto length = static_cast<int>(taps.size());
         int specBytes = 0, bufferBytes = 0;
         EXPECT_EQ(ippsFIRSRGetSize(length, ippDataType32f, &specBytes, &bufferBytes), ippStsNoErr);
-        memory.resize(static_cast<std::size_t>(specBytes) + 1);
+        memory.resize(static_cast<std::size_t>(specBytes));
         buffer.resize(static_cast<std::size_t>(bufferBytes) + 1);
         load(taps);
     }
@@ -28,7 +28,7 @@ public:
                   ippStsNoErr);
     }
 
-    FirSpec* getSpec() { return reinterpret_cast<FirSpec*>(memory.data() + 1); }
+    FirSpec* getSpec() { return reinterpret_cast<FirSpec*>(memory.data()); }
 
     IppStatus run(const float* src, float* dst, int n, const float* dlySrc, float* dlyDst)
     {
@@ -123,6 +123,7 @@ TEST_P(FirKernel, RefusesWhatItCannotDo)
     int specBytes = 0, bufferBytes = 0;
     EXPECT_EQ(ippsFIRSRGetSize(0, ippDataType32f, &specBytes, &bufferBytes), ippStsFIRLenErr);
     EXPECT_EQ(ippsFIRSRGetSize(-3, ippDataType32f, &specBytes, &bufferBytes), ippStsFIRLenErr);
+    EXPECT_EQ(ippsFIRSRGetSize(4, 99, &specBytes, &bufferBytes), ippStsBadArgErr);
     EXPECT_EQ(ippsFIRSRGetSize(4, ippDataType32f, nullptr, &bufferBytes), ippStsNullPtrErr);
     EXPECT_EQ(ippsFIRSRGetSize(4, ippDataType32f, &specBytes, nullptr), ippStsNullPtrErr);
 
@@ -132,6 +133,7 @@ TEST_P(FirKernel, RefusesWhatItCannotDo)
     EXPECT_EQ(ippsFIRSRInit_32f(nullptr, 2, ippFirDirectForm, filter.getSpec()), ippStsNullPtrErr);
     EXPECT_EQ(ippsFIRSRInit_32f(taps, 2, ippFirDirectForm, nullptr), ippStsNullPtrErr);
     EXPECT_EQ(ippsFIRSRInit_32f(taps, 0, ippFirDirectForm, filter.getSpec()), ippStsFIRLenErr);
+    EXPECT_EQ(ippsFIRSRInit_32f(taps, 2, 99, filter.getSpec()), ippStsBadArgErr);
     EXPECT_EQ(filter.run(nullptr, &dst, 1, nullptr, nullptr), ippStsNullPtrErr);
     EXPECT_EQ(filter.run(taps, nullptr, 1, nullptr, nullptr), ippStsNullPtrErr);
     EXPECT_EQ(ippsFIRSR_32f(taps, &dst, 1, nullptr, nullptr, nullptr, nullptr), ippStsNullPtrErr);

@@ -91,7 +91,7 @@ std::vector<R> runReference(const std::vector<T>& taps, const std::vector<T>& in
 }
 
 /** b and a of a filter with the poles radius exp(+-j angle), one angle for each pair, and a real pole for an
-   odd order. */
+    odd order. */
 template <typename T>
 std::vector<T> makeTaps(int order, double radius, double firstAngle, double a0 = 1.0)
 {
