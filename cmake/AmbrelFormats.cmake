@@ -59,6 +59,7 @@ endif()
 
 foreach(format ${formats})
     ambrel_bundle_resources(Ambrel_${format} "${${format}_folder}")
+    set_target_properties(Ambrel_${format} PROPERTIES AMBREL_BUNDLE "${${format}_folder}")
     if(UNIX AND NOT APPLE)
         # No library is needed at run time that is not used, and nothing but the entry points is visible, so
         # that two plug-ins in one host never share a symbol.
@@ -82,6 +83,9 @@ if(TARGET Ambrel_VST)
         # A VST2 is a single file on other systems: a folder of its own keeps its resources beside it.
         set_target_properties(Ambrel_VST PROPERTIES PREFIX "" LIBRARY_OUTPUT_DIRECTORY "${VST_folder}")
     endif()
+    # VST2 writes a version as decimal digits.
+    math(EXPR vst2_version "${Ambrel_VERSION_MAJOR} * 100 + ${Ambrel_VERSION_MINOR} * 10 + ${Ambrel_VERSION_PATCH}")
+    target_compile_definitions(Ambrel_VST PRIVATE JucePlugin_VSTChunkStructureVersion=${vst2_version})
     target_compile_options(Ambrel_VST PRIVATE
         $<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-Wno-cpp;-Wno-deprecated-declarations>)
 endif()
@@ -89,4 +93,15 @@ endif()
 if(UNIX AND NOT APPLE)
     target_sources(Ambrel_Standalone PRIVATE standalone/main.cpp)
     target_compile_definitions(Ambrel_Standalone PRIVATE JUCE_USE_CUSTOM_PLUGIN_STANDALONE_ENTRYPOINT=1)
+endif()
+
+# Where hosts look. The stand-alone program and the renderer find their resources in share/Ambrel.
+if(UNIX AND NOT APPLE AND PROJECT_IS_TOP_LEVEL)
+    install(DIRECTORY "${VST3_folder}" DESTINATION lib/vst3 USE_SOURCE_PERMISSIONS)
+    install(DIRECTORY "${LV2_folder}" DESTINATION lib/lv2 USE_SOURCE_PERMISSIONS)
+    if(TARGET Ambrel_VST)
+        install(DIRECTORY "${VST_folder}" DESTINATION lib/vst USE_SOURCE_PERMISSIONS)
+    endif()
+    install(PROGRAMS "$<TARGET_FILE:Ambrel_Standalone>" "$<TARGET_FILE:ambrel-render>" DESTINATION bin)
+    install(DIRECTORY "${AMBREL_RESOURCES}/" DESTINATION share/Ambrel)
 endif()

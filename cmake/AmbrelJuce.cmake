@@ -45,8 +45,17 @@ set_target_properties(ambrel_juce PROPERTIES
 
 # One JUCE module compiled anew with definitions of its own, in front of ambrel_juce.
 function(ambrel_juce_variant target module)
-    set(extension $<IF:$<BOOL:${APPLE}>,mm,cpp>)
-    add_library(${target} OBJECT EXCLUDE_FROM_ALL "${JUCE_MODULES_DIR}/${module}/${module}.${extension}")
+    file(GLOB sources "${JUCE_MODULES_DIR}/${module}/*.cpp")
+    if(APPLE)
+        # A source that has an Objective-C++ twin is included by it.
+        file(GLOB twins "${JUCE_MODULES_DIR}/${module}/*.mm")
+        foreach(twin ${twins})
+            string(REGEX REPLACE "mm$" "cpp" source "${twin}")
+            list(REMOVE_ITEM sources "${source}")
+        endforeach()
+        list(APPEND sources ${twins})
+    endif()
+    add_library(${target} OBJECT EXCLUDE_FROM_ALL ${sources})
     target_compile_definitions(${target} PRIVATE ${ARGN})
     target_link_libraries(${target} PUBLIC ambrel_juce)
 endfunction()

@@ -25,8 +25,7 @@ float ParameterDescription::getNormalizedParameterValue()
 
     switch (mappingMode)
     {
-    case linearMapping:
-        return (getEngineValue() - minimum) / (maximum - minimum);
+    case linearMapping: return (getEngineValue() - minimum) / (maximum - minimum);
     case logarithmicMapping:
         return static_cast<float>(std::log10(static_cast<double>(getEngineValue() / minimum)) /
                                   std::log10(static_cast<double>(maximum / minimum)));
