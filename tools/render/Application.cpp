@@ -3,14 +3,19 @@
 #include "product/AmbrelConstants.h"
 #include "tools/render/AudioFileReader.h"
 #include "tools/render/AudioFileWriter.h"
+#include "tools/render/FileOutput.h"
 #include "tools/render/FilePaths.h"
 #include "tools/render/HelpText.h"
 #include "tools/render/ImpulseSource.h"
 #include "tools/render/PlugIn.h"
+#include "tools/render/ResponseRecorder.h"
+#include "tools/render/RoomPlot.h"
+#include "tools/render/RoomReport.h"
 
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
+#include <optional>
 
 namespace ambrel::render
 {
@@ -33,6 +38,17 @@ std::string decimals(double value, int places)
 std::string levelText(double level, const char* unit)
 {
     return level <= silenceLevel ? "silent" : decimals(level, 1) + " " + unit;
+}
+
+const char* toText(ImpulsePosition position)
+{
+    switch (position)
+    {
+    case ImpulsePosition::left: return "left";
+    case ImpulsePosition::right: return "right";
+    case ImpulsePosition::both: break;
+    }
+    return "both";
 }
 
 /** " (+1.2 LU)": how much louder the output is; empty if one of the two is silent. */
@@ -93,7 +109,7 @@ ExitStatus Application::renderAll()
 {
     if (!options.savePreset.empty())
         savePreset();
-    if (options.impulse)
+    if (options.needsImpulse())
         renderImpulse();
     return renderInputs();
 }
@@ -135,7 +151,7 @@ void Application::renderInput(const std::string& input, const std::string& outpu
     const RenderedAudio audio = renderer.render(source, file, plugIn.getTailRule(options), input);
     file.commit();
 
-    tellResult(output, audio, source.getSampleRate());
+    tellResult(output, audio, source.getSampleRate(), loudnessText(audio));
     tellClipping(output, file.getNumClipped());
 }
 
@@ -144,18 +160,51 @@ void Application::renderImpulse()
     PlugIn plugIn;
     plugIn.applyForImpulse(options);
 
-    ImpulseSource source(options.rate, std::llround(*options.impulse * options.rate),
-                         options.impulsePosition);
+    const double seconds = options.impulse.value_or(plugIn.getDecayDuration());
+    ImpulseSource source(options.rate, std::llround(seconds * options.rate), options.impulsePosition);
     TailRule noTail;
     noTail.fixed = 0.0;
 
-    Renderer renderer(plugIn.getProcessor(), options.blockSize, progress);
-    AudioFileWriter file(options.output, options.rate, source.getNumChannels(), getBits(options.output));
-    const RenderedAudio audio = renderer.render(source, file, noTail, options.output);
-    file.commit();
+    SinkList sinks;
+    ResponseRecorder recorder(options.rate);
+    std::optional<AudioFileWriter> file;
 
-    tellResult(options.output, audio, options.rate);
-    tellClipping(options.output, file.getNumClipped());
+    if (options.measuresRoom())
+        sinks.add(recorder);
+    if (options.impulse && !options.output.empty())
+        sinks.add(
+            file.emplace(options.output, options.rate, source.getNumChannels(), getBits(options.output)));
+
+    Renderer renderer(plugIn.getProcessor(), options.blockSize, progress);
+    const RenderedAudio audio = renderer.render(source, sinks, noTail, "impulse response");
+
+    if (file)
+    {
+        file->commit();
+        tellResult(options.output, audio, options.rate, "");
+        tellClipping(options.output, file->getNumClipped());
+    }
+    if (options.measuresRoom())
+        measure(recorder.getResponse(), plugIn);
+}
+
+void Application::measure(const measures::StereoResponse& response, const PlugIn& plugIn)
+{
+    const measures::RoomMeasures measures = measures::measureRoom(response);
+    const RoomDescription room{plugIn.getPresetName(), toText(options.impulsePosition), plugIn.getSettings()};
+
+    if (options.report)
+    {
+        const std::string text =
+            options.report->json ? createReportJson(measures, room) : createReportTable(measures, room);
+
+        if (options.report->file.empty())
+            print(text);
+        else
+            writeOutputFile(options.report->file, {text.data(), text.size()});
+    }
+    if (!options.plot.empty())
+        writeOutputFile(options.plot, createRoomPlot(response, measures, room));
 }
 
 void Application::savePreset()
@@ -190,21 +239,24 @@ std::string Application::getOutputFor(const std::string& input) const
 
 void Application::tell(const std::string& line) const
 {
+    const bool reportIsPrinted = options.report && options.report->file.empty();
+    FILE* stream = reportIsPrinted ? stderr : stdout;
+
     if (!options.quiet)
     {
-        print(line + "\n");
-        std::fflush(stdout);
+        std::fprintf(stream, "%s\n", line.c_str());
+        std::fflush(stream);
     }
 }
 
-void Application::tellResult(const std::string& output, const RenderedAudio& audio, double rate) const
+void Application::tellResult(const std::string& output, const RenderedAudio& audio, double rate,
+                             const std::string& loudness) const
 {
     const double duration = static_cast<double>(audio.output.numSamples) / rate;
     const std::string speed = audio.seconds > 0.0 ? decimals(duration / audio.seconds, 1) : "infinitely";
 
     tell(output + ": " + decimals(duration, 2) + " s, peak " + levelText(audio.output.peak, "dBFS") +
-         ", RMS " + levelText(audio.output.rms, "dBFS") + loudnessText(audio) + ", " + speed +
-         " times real time");
+         ", RMS " + levelText(audio.output.rms, "dBFS") + loudness + ", " + speed + " times real time");
 }
 
 void Application::tellClipping(const std::string& output, std::int64_t numClipped) const

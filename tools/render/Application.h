@@ -8,7 +8,9 @@
 
 #include "tools/render/Errors.h"
 #include "tools/render/Options.h"
+#include "tools/render/PlugIn.h"
 #include "tools/render/Renderer.h"
+#include "tools/render/measures/RoomMeasures.h"
 
 #include <string>
 
@@ -31,6 +33,7 @@ private:
     ExitStatus renderInputs();
     void renderInput(const std::string& input, const std::string& output);
     void renderImpulse();
+    void measure(const measures::StereoResponse& response, const PlugIn& plugIn);
     void savePreset();
     void makeOutputDirectory() const;
 
@@ -38,7 +41,8 @@ private:
     std::string getOutputFor(const std::string& input) const;
 
     void tell(const std::string& line) const;
-    void tellResult(const std::string& output, const RenderedAudio& audio, double rate) const;
+    void tellResult(const std::string& output, const RenderedAudio& audio, double rate,
+                    const std::string& loudness) const;
     void tellClipping(const std::string& output, std::int64_t numClipped) const;
 
     const Options options;

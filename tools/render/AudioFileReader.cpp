@@ -1,5 +1,6 @@
 #include "tools/render/AudioFileReader.h"
 
+#include "tools/render/CodecCheck.h"
 #include "tools/render/Errors.h"
 #include "tools/render/FilePaths.h"
 
@@ -11,8 +12,8 @@
 namespace ambrel::render
 {
 
-/** A file stream that notices when more is asked of it than the file holds. The decoders fill such gaps with
-    silence and say nothing. */
+/** A file stream that remembers where it was last sent. The format readers keep the place of their data to
+    themselves. */
 class AudioFileReader::WatchedStream : public juce::InputStream
 {
 public:
@@ -21,24 +22,15 @@ public:
     juce::int64 getTotalLength() override { return file->getTotalLength(); }
     bool isExhausted() override { return file->isExhausted(); }
     juce::int64 getPosition() override { return file->getPosition(); }
-    bool setPosition(juce::int64 newPosition) override { return file->setPosition(newPosition); }
+    int read(void* destination, int maxBytes) override { return file->read(destination, maxBytes); }
 
-    int read(void* destination, int maxBytes) override
+    bool setPosition(juce::int64 newPosition) override
     {
-        const int bytes = file->read(destination, maxBytes);
-        partialRead |= bytes < maxBytes;
-        emptyRead |= bytes <= 0 && maxBytes > 0;
-        return bytes;
+        lastTarget = newPosition;
+        return file->setPosition(newPosition);
     }
 
-    void forgetPast()
-    {
-        partialRead = false;
-        emptyRead = false;
-    }
-
-    bool partialRead = false; ///< some read came back with less than it asked for
-    bool emptyRead = false;   ///< some read came back with nothing
+    juce::int64 lastTarget = 0; ///< bytes from the file's start
 
 private:
     std::unique_ptr<juce::FileInputStream> file;
@@ -47,10 +39,9 @@ private:
 namespace
 {
 
-constexpr const char* oggFormatName = "Ogg-Vorbis file";
-constexpr const char* flacFormatName = "FLAC file";
-
-std::string secondsText(double seconds) { return juce::String(seconds, 2).toStdString() + " s"; }
+/** Programs that write to a pipe cannot know the length of what they write, and put a length near the largest
+    signed or unsigned number into the header. */
+constexpr std::int64_t smallestUnknownLength = 0x7fff0000; // bytes
 
 } // namespace
 
@@ -59,11 +50,19 @@ AudioFileReader::AudioFileReader(const std::string& pathToRead) : path(pathToRea
     formats.registerBasicFormats();
     openStream();
     checkFormat();
-    checkLastSample();
-    stream->forgetPast();
+    length = reader->lengthInSamples;
+
+    if (isFlac() || isOgg())
+        checkCompressedData();
+    else
+        findEndOfPlainData();
 }
 
 AudioFileReader::~AudioFileReader() = default;
+
+bool AudioFileReader::isFlac() const { return reader->getFormatName() == "FLAC file"; }
+
+bool AudioFileReader::isOgg() const { return reader->getFormatName() == "Ogg-Vorbis file"; }
 
 void AudioFileReader::openStream()
 {
@@ -90,7 +89,8 @@ void AudioFileReader::openStream()
     reader.reset(formats.createReaderFor(std::move(watched)));
 
     if (reader == nullptr)
-        throw RenderError("'" + path + "' is broken or not a WAV, AIFF, FLAC or Ogg Vorbis file");
+        throw RenderError(
+            "'" + path + "' is broken or of a kind that cannot be read (WAV, AIFF, FLAC and Ogg Vorbis can)");
 }
 
 void AudioFileReader::checkFormat() const
@@ -100,59 +100,57 @@ void AudioFileReader::checkFormat() const
     if (!(reader->sampleRate > 0.0) || !std::isfinite(reader->sampleRate))
         throw RenderError("'" + path + "' is broken: it has no sample rate");
 
-    // The uncompressed formats hand out uninitialised samples for widths they do not know.
-    const bool compressed =
-        reader->getFormatName() == oggFormatName || reader->getFormatName() == flacFormatName;
+    // The plain formats hand out uninitialised samples for widths they do not know.
     constexpr unsigned readableWidths[] = {8, 16, 24, 32};
+    const bool plain = !isFlac() && !isOgg();
 
-    if (!compressed && std::ranges::find(readableWidths, reader->bitsPerSample) == std::end(readableWidths))
+    if (plain && std::ranges::find(readableWidths, reader->bitsPerSample) == std::end(readableWidths))
         throw RenderError("'" + path + "': samples of " + std::to_string(reader->bitsPerSample) +
-                          " bits are not supported");
+                          " bits cannot be read");
 }
 
-/** An uncompressed file that was cut is found at once, before any work is spent on it. */
-void AudioFileReader::checkLastSample()
+void AudioFileReader::checkCompressedData() const
 {
-    if (reader->getFormatName() == oggFormatName || reader->getFormatName() == flacFormatName)
-        return;
+    if (!(isFlac() ? isSoundFlacFile(path) : isSoundOggFile(path)))
+        throw RenderError("'" + path + "' is broken: its data are damaged or incomplete");
+}
 
-    stream->forgetPast();
+/** Reading the last sample shows where in the file the reader expects it. */
+void AudioFileReader::findEndOfPlainData()
+{
+    const std::int64_t bytesPerFrame = std::int64_t{reader->numChannels} * reader->bitsPerSample / 8;
     juce::AudioBuffer<float> lastSample(getNumChannels(), 1);
-    reader->read(lastSample.getArrayOfWritePointers(), getNumChannels(), getNumSamples() - 1, 1);
-    throwIfCutShort();
+    readSamples(lastSample, length - 1, 1);
+
+    const std::int64_t dataStart = stream->lastTarget - (length - 1) * bytesPerFrame;
+    const std::int64_t available = (stream->getTotalLength() - dataStart) / bytesPerFrame;
+
+    if (length <= available)
+        return;
+    if (length * bytesPerFrame < smallestUnknownLength - bytesPerFrame || available < 1)
+        throw RenderError("'" + path + "' is broken: it ends behind " + std::to_string(available) +
+                          " of the " + std::to_string(length) + " samples that its header promises");
+    length = available;
 }
 
-/** FLAC reads ahead, so that only a read with no bytes at all means that samples are missing; Ogg Vorbis
-   reads on to the end of the file in any case. */
-void AudioFileReader::throwIfCutShort() const
+void AudioFileReader::readSamples(juce::AudioBuffer<float>& block, std::int64_t start, int numSamples)
 {
-    if (reader->getFormatName() == oggFormatName)
-        return;
-
-    const bool missing = reader->getFormatName() == flacFormatName ? stream->emptyRead : stream->partialRead;
-
-    if (missing)
-        throw RenderError("'" + path + "' is broken: its data end before the " +
-                          secondsText(static_cast<double>(getNumSamples()) / getSampleRate()) +
-                          " that its header promises");
+    if (!reader->read(block.getArrayOfWritePointers(), block.getNumChannels(), start, numSamples))
+        throw RenderError("'" + path + "' is broken: it cannot be read from sample " + std::to_string(start));
 }
 
 void AudioFileReader::read(juce::AudioBuffer<float>& block)
 {
     const auto available =
-        static_cast<int>(std::clamp<std::int64_t>(getNumSamples() - position, 0, block.getNumSamples()));
+        static_cast<int>(std::clamp<std::int64_t>(length - position, 0, block.getNumSamples()));
 
     block.clear();
 
     if (available == 0)
         return;
 
-    if (!reader->read(block.getArrayOfWritePointers(), block.getNumChannels(), position, available))
-        throw RenderError("'" + path + "' is broken: it cannot be read behind " +
-                          secondsText(static_cast<double>(position) / getSampleRate()));
-
+    readSamples(block, position, available);
     position += available;
-    throwIfCutShort();
 
     for (int channel = 0; channel < block.getNumChannels(); ++channel)
     {

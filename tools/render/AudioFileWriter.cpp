@@ -1,6 +1,7 @@
 #include "tools/render/AudioFileWriter.h"
 
 #include "tools/render/Errors.h"
+#include "tools/render/FileOutput.h"
 #include "tools/render/FilePaths.h"
 
 namespace ambrel::render
@@ -30,20 +31,6 @@ constexpr int floatBits = 32;
 /** The library's own choice of FLAC compression, a good compromise of time and size. */
 constexpr int flacCompression = 5;
 
-/** The file that a name stands for, so that a link stays a link and what it points to is replaced. */
-juce::File resolveTarget(const std::string& path)
-{
-    const juce::File file = toFile(path);
-    const juce::File target = file.isSymbolicLink() ? file.getLinkedTarget() : file;
-
-    if (target.isDirectory())
-        throw RenderError("'" + path + "' cannot be written: it is a folder");
-    if (!target.getParentDirectory().isDirectory())
-        throw RenderError("'" + path + "' cannot be written: there is no folder '" +
-                          target.getParentDirectory().getFullPathName().toStdString() + "'");
-    return target;
-}
-
 std::unique_ptr<juce::AudioFormat> createFormat(const std::string& path)
 {
     if (fileKindOf(path) == FileKind::flac)
@@ -55,7 +42,7 @@ std::unique_ptr<juce::AudioFormat> createFormat(const std::string& path)
 
 AudioFileWriter::AudioFileWriter(const std::string& pathToWrite, double sampleRate, int numChannels, int bits)
     : path(pathToWrite), integers(static_cast<std::size_t>(numChannels)),
-      temporary(resolveTarget(pathToWrite), juce::TemporaryFile::useHiddenFile)
+      temporary(resolveOutputFile(pathToWrite), juce::TemporaryFile::useHiddenFile)
 {
     if (bits != floatBits)
         quantiser.emplace(bits);
@@ -63,7 +50,7 @@ AudioFileWriter::AudioFileWriter(const std::string& pathToWrite, double sampleRa
     stream = std::make_unique<juce::FileOutputStream>(temporary.getFile());
 
     if (stream->failedToOpen())
-        throwWriteError();
+        throwWriteError(path, stream->getStatus());
 
     auto forwarding = std::make_unique<ForwardingStream>(*stream);
     const int quality = fileKindOf(path) == FileKind::flac ? flacCompression : 0;
@@ -88,7 +75,7 @@ void AudioFileWriter::write(const juce::AudioBuffer<float>& block, int start, in
         quantiser ? writeIntegers(block, start, numSamples) : writeFloats(block, start, numSamples);
 
     if (!written || stream->getStatus().failed())
-        throwWriteError();
+        throwWriteError(path, stream->getStatus());
 }
 
 bool AudioFileWriter::writeIntegers(const juce::AudioBuffer<float>& block, int start, int numSamples)
@@ -124,18 +111,12 @@ void AudioFileWriter::commit()
     stream->flush();
 
     if (stream->getStatus().failed())
-        throwWriteError();
+        throwWriteError(path, stream->getStatus());
 
     stream.reset();
 
     if (!temporary.overwriteTargetFileWithTemporary())
-        throw RenderError("'" + path + "' cannot be written: the finished file cannot be given its name");
-}
-
-void AudioFileWriter::throwWriteError() const
-{
-    const auto reason = stream->getStatus().getErrorMessage().toStdString();
-    throw RenderError("'" + path + "' cannot be written" + (reason.empty() ? "" : ": " + reason));
+        throwWriteError(path, juce::Result::fail("the finished file cannot be given its name"));
 }
 
 } // namespace ambrel::render

@@ -45,7 +45,6 @@ private:
 
     bool writeIntegers(const juce::AudioBuffer<float>& block, int start, int numSamples);
     bool writeFloats(const juce::AudioBuffer<float>& block, int start, int numSamples);
-    [[noreturn]] void throwWriteError() const;
 
     std::string path;
     std::optional<Quantiser> quantiser; ///< none for float

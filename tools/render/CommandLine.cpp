@@ -122,7 +122,7 @@ void checkImpulse(const Options& options)
 {
     if (options.impulse && !options.inputs.empty())
         throw UsageError("--impulse takes the place of an input file; give one of them");
-    if (options.impulse && options.output.empty())
+    if (options.impulse && options.output.empty() && !options.measuresRoom())
         throw UsageError("where to? Give --output FILE");
     if (options.impulse && options.tail)
         throw UsageError("--impulse and --tail exclude each other");
@@ -151,10 +151,12 @@ void checkOutputNames(const Options& options)
 
 void checkTask(const Options& options)
 {
-    const bool hasTask = !options.inputs.empty() || options.impulse || !options.savePreset.empty();
+    const bool hasTask = !options.inputs.empty() || options.needsImpulse() || !options.savePreset.empty();
 
     if (!hasTask)
         throw UsageError("nothing to do: give input files (--help shows all)");
+    if (!options.plot.empty() && !juce::String::fromUTF8(options.plot.c_str()).endsWithIgnoreCase(".png"))
+        throw UsageError("--plot: '" + options.plot + "' does not end in .png");
 }
 
 } // namespace

@@ -3,9 +3,9 @@
 #include "reverb/ParameterTable.h"
 #include "tools/render/OptionTable.h"
 #include "tools/render/OptionValues.h"
+#include "tools/render/TextLayout.h"
 
 #include <cstdio>
-#include <sstream>
 
 namespace ambrel::render
 {
@@ -13,38 +13,7 @@ namespace ambrel::render
 namespace
 {
 
-/** The text in a column of its own, broken at blanks, with the head to the left of it if that fits. */
-std::string wrapBeside(const std::string& head, const std::string& text)
-{
-    constexpr std::size_t column = 29;
-    constexpr std::size_t lineLength = 80;
-
-    std::string page = head;
-    std::string line = head;
-
-    if (head.size() + 2 > column)
-    {
-        page += '\n';
-        line.clear();
-    }
-    page += std::string(column - line.size(), ' ');
-    line.resize(column, ' ');
-
-    std::istringstream words(text);
-
-    for (std::string word; words >> word;)
-    {
-        if (line.size() + 1 + word.size() > lineLength)
-        {
-            page += '\n' + std::string(column, ' ');
-            line.assign(column, ' ');
-        }
-        const std::string gap = line.size() > column ? " " : "";
-        page += gap + word;
-        line += gap + word;
-    }
-    return page + '\n';
-}
+constexpr std::size_t helpColumn = 29;
 
 std::string describe(const OptionDescription& option)
 {
@@ -56,7 +25,7 @@ std::string describe(const OptionDescription& option)
     else if (option.argument == Argument::optional)
         head += std::string("[=") + option.argumentName + "]";
 
-    return wrapBeside(head, option.help);
+    return wrapBeside(head, option.help, helpColumn);
 }
 
 } // namespace
@@ -66,6 +35,7 @@ std::string getHelpText()
     std::string text = "Usage: ambrel-render [OPTION]... FILE -o FILE\n"
                        "       ambrel-render [OPTION]... FILE... -d DIR\n"
                        "       ambrel-render [OPTION]... --impulse SECONDS -o FILE\n"
+                       "       ambrel-render [OPTION]... --report [--plot FILE.png]\n"
                        "\n"
                        "Runs audio files through the Ambrel reverb, as the plug-in does in a host.\n"
                        "Reads mono and stereo WAV, AIFF, FLAC and Ogg Vorbis; writes WAV and FLAC at\n"

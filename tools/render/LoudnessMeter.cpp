@@ -11,6 +11,7 @@ namespace ambrel::render
 namespace
 {
 
+constexpr double lowestRate = 8000.0; // Hz
 constexpr int stepsInBlock = 4;
 constexpr double stepSeconds = 0.1;
 constexpr double absoluteGate = -70.0; // LUFS
@@ -40,8 +41,8 @@ double meanAbove(const std::vector<double>& powers, double threshold)
 } // namespace
 
 LoudnessMeter::LoudnessMeter(double sampleRate, int numChannels)
-    : shelf(createShelf(sampleRate)), highPass(createHighPass(sampleRate)),
-      states(static_cast<std::size_t>(numChannels)),
+    : meaningful(sampleRate >= lowestRate), shelf(createShelf(sampleRate)),
+      highPass(createHighPass(sampleRate)), states(static_cast<std::size_t>(numChannels)),
       stepLength(std::max(1, static_cast<int>(std::lround(stepSeconds * sampleRate))))
 {
 }
@@ -86,6 +87,9 @@ LoudnessMeter::Biquad LoudnessMeter::createHighPass(double sampleRate)
 
 void LoudnessMeter::add(const juce::AudioBuffer<float>& block, int start, int numSamples)
 {
+    if (!meaningful)
+        return;
+
     for (int i = start; i < start + numSamples; ++i)
     {
         for (std::size_t channel = 0; channel < states.size(); ++channel)

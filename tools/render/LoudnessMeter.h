@@ -30,7 +30,8 @@ public:
 
     void add(const juce::AudioBuffer<float>& block, int start, int numSamples);
 
-    /** LUFS; empty if the programme is shorter than 400 ms or below the absolute gate throughout. */
+    /** LUFS; empty if the programme is shorter than 400 ms or below the absolute gate throughout, or sampled at
+        less than 8 kHz, where the weighting has no meaning. */
     std::optional<double> getIntegrated() const;
 
 private:
@@ -52,6 +53,7 @@ private:
     static Biquad createShelf(double sampleRate);
     static Biquad createHighPass(double sampleRate);
 
+    bool meaningful;
     Biquad shelf;
     Biquad highPass;
     std::vector<ChannelState> states;

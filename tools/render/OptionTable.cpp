@@ -3,6 +3,8 @@
 #include "tools/render/Errors.h"
 #include "tools/render/OptionValues.h"
 
+#include <juce_core/juce_core.h>
+
 #include <array>
 
 namespace ambrel::render
@@ -17,6 +19,13 @@ constexpr NumberRange impulseRange{0.001, 300.0, "s"};
 constexpr int lowestRate = 8000;    // Hz
 constexpr int highestRate = 768000; // Hz
 constexpr int maximumBlockSize = 65536;
+
+void setReport(Options& options, const std::string&, const std::string& value)
+{
+    const bool isFile = !value.empty() && value != "json";
+    const bool isJsonFile = isFile && juce::String::fromUTF8(value.c_str()).endsWithIgnoreCase(".json");
+    options.report = ReportRequest{value == "json" || isJsonFile, isFile ? value : ""};
+}
 
 std::string checkedPath(const std::string& name, const std::string& value)
 {
@@ -52,7 +61,7 @@ constexpr std::array optionTable{
                           if (v != "auto")
                               o.tail = parseNumber(n, v, tailRange);
                       }},
-    OptionDescription{"--block", 0, Argument::required, "N", "samples in a block, 1 to 65536. Default 512",
+    OptionDescription{"--block", 0, Argument::required, "N", "samples in a block, 1 to 65536. Default 1024",
                       [](Options& o, const std::string& n, const std::string& v)
                       { o.blockSize = parseInteger(n, v, 1, maximumBlockSize); }},
 
@@ -98,9 +107,20 @@ constexpr std::array optionTable{
                           o.impulsePosition = positions[parseChoice(n, v, {"both", "left", "right"})];
                       }},
     OptionDescription{"--rate", 'r', Argument::required, "HZ",
-                      "sample rate of the impulse response. Default 48000",
+                      "sample rate of the impulse response and of the report. Default 48000",
                       [](Options& o, const std::string& n, const std::string& v)
                       { o.rate = parseInteger(n, v, lowestRate, highestRate); }},
+
+    OptionDescription{"--report", 0, Argument::optional, "json|FILE",
+                      "measure the room's impulse response (decay times, clarity, echo density, "
+                      "stereo image): as a table, as JSON with --report=json, or into FILE, as JSON if "
+                      "it ends in .json. Measures the settings, not an input. Without --impulse the "
+                      "response is as long as the decay takes",
+                      setReport},
+    OptionDescription{"--plot", 0, Argument::required, "FILE.png",
+                      "draw that impulse response and its measures into a picture",
+                      [](Options& o, const std::string& n, const std::string& v)
+                      { o.plot = checkedPath(n, v); }},
 
     OptionDescription{"--list-presets", 0, Argument::none, "", "print the names of all presets",
                       [](Options& o, const std::string&, const std::string&)

@@ -35,6 +35,13 @@ struct ParameterSetting
     float value = 0.0f;
 };
 
+/** Where and how the measures of the room are written. */
+struct ReportRequest
+{
+    bool json = false;
+    std::string file; ///< empty: standard output
+};
+
 struct Options
 {
     Action action = Action::render;
@@ -51,13 +58,20 @@ struct Options
     std::optional<double> mix;       ///< percent
     std::vector<ParameterSetting> settings;
 
-    int blockSize = 512;           ///< samples
+    int blockSize = 1024;          ///< samples
     std::optional<double> tail;    ///< seconds behind the end of the input; empty: until the room is silent
     std::optional<double> impulse; ///< length of an impulse response, seconds
     ImpulsePosition impulsePosition = ImpulsePosition::both;
-    double rate = 48000.0; ///< of an impulse response, Hz
+    double rate = 48000.0; ///< of the impulse response, Hz
+
+    std::optional<ReportRequest> report;
+    std::string plot; ///< picture of the measures; empty: none
 
     bool quiet = false;
+
+    /** Whether the room's impulse response is needed, to be written or to be measured. */
+    bool needsImpulse() const { return impulse.has_value() || measuresRoom(); }
+    bool measuresRoom() const { return report.has_value() || !plot.empty(); }
 };
 
 } // namespace ambrel::render

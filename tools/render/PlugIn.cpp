@@ -1,6 +1,6 @@
 #include "tools/render/PlugIn.h"
 
-#include "reverb/Reverberation.h"
+#include "reverb/ParameterTable.h"
 #include "tools/render/Errors.h"
 #include "tools/render/FilePaths.h"
 
@@ -138,17 +138,26 @@ void PlugIn::restoreState(const std::string& path)
 
 double PlugIn::getValue(int index) const { return static_cast<double>(engine->getParameterValue(index)); }
 
+double PlugIn::getPreDelay() const { return getValue(Reverberation::preDelay) / 1000.0; }
+
+double PlugIn::getLongestTime() const
+{
+    return getValue(Reverberation::reverbTime) * std::max(1.0, getValue(Reverberation::lowTimeScale) / 100.0);
+}
+
 TailRule PlugIn::getTailRule(const Options& options) const
 {
-    const double preDelay = getValue(Reverberation::preDelay) / 1000.0;
-    const double longestTime =
-        getValue(Reverberation::reverbTime) * std::max(1.0, getValue(Reverberation::lowTimeScale) / 100.0);
-
     TailRule rule;
     rule.fixed = options.tail;
-    rule.hold = preDelay + longestEchoGap;
-    rule.longest = 2.0 * (preDelay + longestTime) + rule.hold;
+    rule.hold = getPreDelay() + longestEchoGap;
+    rule.longest = 2.0 * (getPreDelay() + getLongestTime()) + rule.hold;
     return rule;
+}
+
+double PlugIn::getDecayDuration() const
+{
+    constexpr double reverbTimesShown = 1.5; // each is 60 dB
+    return getPreDelay() + reverbTimesShown * getLongestTime() + longestEchoGap;
 }
 
 std::vector<std::string> PlugIn::getPresetNames() const
@@ -158,6 +167,15 @@ std::vector<std::string> PlugIn::getPresetNames() const
     for (int program = 0; program < processor->getNumPrograms(); ++program)
         names.push_back(processor->getProgramName(program).toStdString());
     return names;
+}
+
+std::vector<std::pair<std::string, float>> PlugIn::getSettings() const
+{
+    std::vector<std::pair<std::string, float>> settings;
+
+    for (const vesk::audio::ParameterInfo& info : vesk::audio::parameterTable)
+        settings.emplace_back(info.name, engine->getParameterValue(info.index));
+    return settings;
 }
 
 std::string PlugIn::getPresetName() const { return processor->getCurrentPresetName().toStdString(); }

@@ -19,6 +19,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace ambrel::render
@@ -47,6 +48,12 @@ public:
     /** The name of the preset in force; empty if there is none. */
     std::string getPresetName() const;
 
+    /** All engine parameters by name, in their order. */
+    std::vector<std::pair<std::string, float>> getSettings() const;
+
+    /** How long an impulse response must be to show the decay down to about -90 dB, seconds. */
+    double getDecayDuration() const;
+
     /** @throws RenderError if the file cannot be written */
     void savePreset(const std::string& path);
 
@@ -57,6 +64,8 @@ private:
     int findProgram(const std::string& name) const;
     void restoreState(const std::string& path);
     double getValue(int index) const;
+    double getPreDelay() const;
+    double getLongestTime() const;
 
     std::unique_ptr<BasePlugInProcessor> processor;
     std::shared_ptr<vesk::audio::BaseAudioProcessor> engine;

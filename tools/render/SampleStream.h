@@ -11,6 +11,7 @@
 #include <juce_audio_basics/juce_audio_basics.h>
 
 #include <cstdint>
+#include <vector>
 
 namespace ambrel::render
 {
@@ -37,6 +38,22 @@ public:
     /** Takes numSamples samples of all channels, from start on.
         @throws RenderError if they cannot be stored */
     virtual void write(const juce::AudioBuffer<float>& block, int start, int numSamples) = 0;
+};
+
+/** Hands everything to several sinks. */
+class SinkList : public SampleSink
+{
+public:
+    void add(SampleSink& sink) { sinks.push_back(&sink); }
+
+    void write(const juce::AudioBuffer<float>& block, int start, int numSamples) override
+    {
+        for (SampleSink* sink : sinks)
+            sink->write(block, start, numSamples);
+    }
+
+private:
+    std::vector<SampleSink*> sinks; ///< not owned
 };
 
 } // namespace ambrel::render
