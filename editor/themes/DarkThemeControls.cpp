@@ -127,7 +127,7 @@ void DarkTheme::drawLinearSliderThumb(juce::Graphics& g, int x, int y, int width
         return;
     }
 
-    constexpr float cornerSize = 3.0f, lengthOfWidth = 1.4f, markWidth = 1.0f;
+    constexpr float cornerSize = 3.0f, lengthOfWidth = 1.4f, markWidth = 2.0f;
 
     const auto colour = themes::faderThumbColour(slider);
     const auto radius = static_cast<float>(getSliderThumbRadius(slider));
@@ -135,18 +135,26 @@ void DarkTheme::drawLinearSliderThumb(juce::Graphics& g, int x, int y, int width
         style == juce::Slider::LinearHorizontal ? juce::MathConstants<float>::halfPi : 0.0f;
     const auto place = juce::AffineTransform::rotation(quarterTurn)
                            .translated(themes::faderThumbCentre({x, y, width, height}, sliderPos, style));
-
-    juce::Path thumb;
-    thumb.addRoundedRectangle(
-        Rectangle<float>(2.0f * radius, 2.0f * lengthOfWidth * radius).withCentre({0.0f, 0.0f}), cornerSize);
-    thumb.applyTransform(place);
-    g.setGradientFill(createControlGradient(colour, thumb.getBounds().getY(), thumb.getBounds().getBottom()));
-    g.fillPath(thumb);
+    const auto aroundOrigin = [](float w, float h) {
+        return Rectangle<float>(w, h).withCentre({0.0f, 0.0f});
+    };
 
     juce::Path mark;
-    mark.addRectangle(Rectangle<float>(2.0f * radius, markWidth).withCentre({0.0f, 0.0f}));
+    mark.addRectangle(aroundOrigin(2.0f * radius, markWidth));
+    mark.applyTransform(place);
+
+    // The thumb leaves the mark's place free: on a thumb of the same colour nobody would see the mark.
+    juce::Path thumb;
+    thumb.addRoundedRectangle(aroundOrigin(2.0f * radius, 2.0f * lengthOfWidth * radius), cornerSize);
+    thumb.applyTransform(place);
+    const auto bounds = thumb.getBounds();
+    thumb.addPath(mark);
+    thumb.setUsingNonZeroWinding(false);
+
+    g.setGradientFill(createControlGradient(colour, bounds.getY(), bounds.getBottom()));
+    g.fillPath(thumb);
     g.setColour(colour.withAlpha(0.4f));
-    g.fillPath(mark, place);
+    g.fillPath(mark);
 }
 
 void DarkTheme::drawRotarySlider(juce::Graphics& g, int x, int y, int width, int height, float sliderPos,
