@@ -75,6 +75,11 @@ endforeach()
 set_property(DIRECTORY PROPERTY RULE_LAUNCH_CUSTOM
     "\"${CMAKE_COMMAND}\" -E env \"HOME=${CMAKE_BINARY_DIR}/home\" \"XDG_CONFIG_HOME=${CMAKE_BINARY_DIR}/home/.config\"")
 
+add_custom_command(TARGET Ambrel_LV2 POST_BUILD
+    COMMAND "${CMAKE_COMMAND}" -D "DESCRIPTION=$<TARGET_FILE_DIR:Ambrel_LV2>/dsp.ttl"
+        -P "${Ambrel_SOURCE_DIR}/cmake/CompleteLv2.cmake"
+    VERBATIM)
+
 # The description lists the presets, so it is written again when they change.
 set_target_properties(Ambrel_LV2 PROPERTIES LINK_DEPENDS "${CMAKE_BINARY_DIR}/share/Ambrel_LV2.stamp")
 

@@ -38,3 +38,16 @@ if(UNIX AND NOT APPLE)
     set_tests_properties(standalone_without_display PROPERTIES ENVIRONMENT "${host_environment}"
         PASS_REGULAR_EXPRESSION "there is no display")
 endif()
+
+# What the finished files show and need. ELF and sanitizers apart, it is the same in every build.
+if(UNIX AND NOT APPLE AND NOT AMBREL_SANITIZE)
+    set(VST3_entries GetPluginFactory ModuleEntry ModuleExit)
+    set(LV2_entries lv2_descriptor lv2ui_descriptor)
+    set(VST_entries VSTPluginMain main)
+    foreach(format VST3 LV2 VST)
+        if(TARGET Ambrel_${format})
+            add_test(NAME symbols_${format} COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/check_formats.sh"
+                "$<TARGET_FILE:Ambrel_${format}>" ${${format}_entries})
+        endif()
+    endforeach()
+endif()
