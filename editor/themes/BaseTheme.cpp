@@ -6,14 +6,9 @@ namespace
 {
 
 /** Where the library finds no font it still makes a typeface, but one without a name and without glyphs. */
-bool hasGlyphs(const juce::Typeface::Ptr& typeface)
-{
-    return typeface != nullptr && typeface->getName().isNotEmpty();
-}
-
 bool systemHasFonts()
 {
-    static const bool result = hasGlyphs(juce::Font::getDefaultTypefaceForFont(juce::Font()));
+    static const bool result = juce::Font::getDefaultTypefaceForFont(juce::Font())->getName().isNotEmpty();
     return result;
 }
 
@@ -33,6 +28,5 @@ juce::Colour BaseTheme::getShadowColour() { return juce::Colours::transparentBla
 
 juce::Typeface::Ptr BaseTheme::getTypefaceForFont(const juce::Font& font)
 {
-    auto typeface = LookAndFeel_V3::getTypefaceForFont(font);
-    return hasGlyphs(typeface) ? typeface : createRobotoTypeface(font.isBold());
+    return systemHasFonts() ? LookAndFeel_V3::getTypefaceForFont(font) : createRobotoTypeface(font.isBold());
 }

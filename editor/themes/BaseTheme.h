@@ -14,9 +14,9 @@
         SteelTheme   a metal face, bevels and glass
         ReverbTheme  flat, white and orange: what this product shows
 
-    Texts: a font that the system lacks is replaced by the compiled-in Roboto, so that no text goes missing. The
-    library asks its default look-and-feel for typefaces, and no other: a theme that shall have its say in them
-    has to be made the default.
+    Texts: on a system without any font the compiled-in Roboto steps in, so that no text goes missing. The library
+    asks its default look-and-feel for typefaces, and no other: a theme that shall have its say in them has to be
+    made the default.
 
     Thread: message thread.
 */
@@ -48,7 +48,7 @@ public:
     /** The two colours in which the curve of the active band is drawn, from that band's own. */
     virtual void getActiveBandCurveColours(juce::Colour base, juce::Colour& first, juce::Colour& second) = 0;
 
-    /** The library's choice, or the compiled-in Roboto if that has no glyphs. */
+    /** The library's choice, or the compiled-in Roboto if the system has no fonts. */
     juce::Typeface::Ptr getTypefaceForFont(const juce::Font& font) override;
 
 protected:

@@ -191,14 +191,23 @@ TEST(Themes, Colours)
     }
 }
 
-TEST(Themes, TextShowsEvenInAFontThatTheSystemLacks)
+// To be run without any font, too: with JUCE_FONT_PATH set to a folder that has none.
+TEST(Themes, TextShows)
 {
+    const auto width = [](const juce::Font& font) { return font.getStringWidthFloat("Veskora"); };
+
     for (const std::string name : {"dark", "steel", "reverb"})
     {
+        SCOPED_TRACE(name);
+        {
+            // A window that is being opened measures its title before its theme is the default.
+            const auto theme = makeTheme(name);
+            EXPECT_GT(theme->getTitleWidth("Veskora"), 50.0f);
+        }
         const ThemeInUse theme(name);
-        EXPECT_GT(juce::Font("No Such Typeface", 20.0f, juce::Font::plain).getStringWidthFloat("Veskora"),
-                  40.0f)
-            << name;
+        EXPECT_GT(width(juce::Font(20.0f)), 40.0f);
+        EXPECT_GT(width({"No Such Typeface", 20.0f, juce::Font::plain}), 40.0f);
+        EXPECT_GT(width(juce::Font(20.0f, juce::Font::bold)), 1.01f * width(juce::Font(20.0f)));
     }
 
     const ThemeInUse theme("dark");
