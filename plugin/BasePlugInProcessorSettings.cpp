@@ -28,9 +28,9 @@ juce::PropertiesFile* BasePlugInProcessor::createPropertiesFile()
         const auto beside =
             executableFolder.getChildFile(options.applicationName + "." + options.filenameSuffix);
         if (beside.existsAsFile())
-            return std::make_unique<juce::PropertiesFile>(beside, options).release();
+            return new juce::PropertiesFile(beside, options);
     }
-    return std::make_unique<juce::PropertiesFile>(places.getSettingsFile(options), options).release();
+    return new juce::PropertiesFile(places.getSettingsFile(options), options);
 }
 
 void BasePlugInProcessor::initializeLocalization()
@@ -38,8 +38,7 @@ void BasePlugInProcessor::initializeLocalization()
     const auto file =
         places.getResourceFolder().getChildFile(withoutBlanks(bundleName) + "_" + getLanguage() + ".loc");
     if (file.existsAsFile())
-        juce::LocalisedStrings::setCurrentMappings(
-            std::make_unique<juce::LocalisedStrings>(file, false).release());
+        juce::LocalisedStrings::setCurrentMappings(new juce::LocalisedStrings(file, false));
 }
 
 int BasePlugInProcessor::getVersionCode() const

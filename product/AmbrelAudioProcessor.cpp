@@ -56,7 +56,7 @@ bool AmbrelAudioProcessor::isBusesLayoutSupported(const BusesLayout& layouts) co
 
 juce::AudioProcessorEditor* AmbrelAudioProcessor::createEditor()
 {
-    return std::make_unique<juce::GenericAudioProcessorEditor>(*this).release();
+    return new juce::GenericAudioProcessorEditor(*this);
 }
 
 bool AmbrelAudioProcessor::hasEditor() const { return true; }
@@ -108,7 +108,4 @@ void AmbrelAudioProcessor::ReverbMixParameterDescription::setNormalizedParameter
 }
 
 /** What the host wrappers, and every program that wants the plug-in, call to get one. */
-juce::AudioProcessor* JUCE_CALLTYPE createPluginFilter()
-{
-    return std::make_unique<AmbrelAudioProcessor>().release();
-}
+juce::AudioProcessor* JUCE_CALLTYPE createPluginFilter() { return new AmbrelAudioProcessor(); }
