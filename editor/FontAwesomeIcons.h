@@ -1,11 +1,12 @@
-#pragma once
+/**
+    Names for the glyphs of the icon font Font Awesome 4.3.0: the published names of the icons in capitals,
+    each the UTF-8 of one character of the Private Use Area. For IconButton::setIconFromFontAwesome, and for
+    drawing text in the font itself; make a juce::String of one with juce::String::fromUTF8. An icon with
+    several published names has several constants.
 
-// Names for the glyphs of the icon font Font Awesome 4.3.0: the published names of the icons in capitals,
-// each the UTF-8 of one character of the Private Use Area. For IconButton::setIconFromFontAwesome, and for
-// drawing text in the font itself; make a juce::String of one with juce::String::fromUTF8. An icon with several
-// published names has several constants.
-//
-// Written by tools/artwork/make-font-awesome-header.cmake; not to be edited by hand.
+    Written by tools/artwork/make-font-awesome-header.cmake; not to be edited by hand.
+*/
+#pragma once
 
 // Two systems' names are also names of icons, and some build systems define them as macros. What they say,
 // the compiler's own macros (__linux__, __ANDROID__) say as well.

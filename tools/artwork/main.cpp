@@ -22,7 +22,7 @@ using namespace ambrel::artwork;
 constexpr float logoScale = 2.0f;
 
 /** Enough to keep the strokes of the metal clean. */
-constexpr float steelQuality = 0.7f;
+constexpr float steelQuality = 0.9f;
 
 juce::File fileFromArgument(const juce::String& path)
 {

@@ -5,16 +5,14 @@
 # The list (resources/fonts/font-awesome/variables.less, from the npm package font-awesome) has one line
 #   @fa-var-align-center: "\f037";
 # for each published name. For another release of the font, lay its variables.less and its TrueType file over
-# the ones in that folder and run this again. -D OUTPUT=file writes somewhere else, which is how the tests see
-# that the header in the repository is the one that this script writes.
+# the ones in that folder and run this again. With -D CHECK=ON before -P nothing is written, and it is an error
+# if the header is not the one that would be.
 
 cmake_minimum_required(VERSION 3.20)
 
 get_filename_component(root "${CMAKE_CURRENT_LIST_DIR}/../.." ABSOLUTE)
 set(icon_list "${root}/resources/fonts/font-awesome/variables.less")
-if(NOT DEFINED OUTPUT)
-    set(OUTPUT "${root}/editor/FontAwesomeIcons.h")
-endif()
+set(header "${root}/editor/FontAwesomeIcons.h")
 
 file(STRINGS "${icon_list}" version_line REGEX "^@fa-version:")
 string(REGEX REPLACE ".*\"([0-9.]+)\".*" "\\1" version "${version_line}")
@@ -24,7 +22,7 @@ if(icon_count EQUAL 0)
     message(FATAL_ERROR "No icons in ${icon_list}")
 endif()
 
-# JUCE's CMake support and some compilers define the first two on the systems of that name.
+# Names of icons that JUCE's CMake support and some compilers define as macros on the systems of that name.
 set(platform_macros ANDROID LINUX)
 
 set(constants "")
@@ -52,14 +50,15 @@ foreach(macro IN LISTS platform_macros)
     string(APPEND undefine "#undef ${macro}\n")
 endforeach()
 
-file(WRITE "${OUTPUT}" "#pragma once
+string(CONCAT content "/**
+    Names for the glyphs of the icon font Font Awesome ${version}: the published names of the icons in capitals,
+    each the UTF-8 of one character of the Private Use Area. For IconButton::setIconFromFontAwesome, and for
+    drawing text in the font itself; make a juce::String of one with juce::String::fromUTF8. An icon with
+    several published names has several constants.
 
-// Names for the glyphs of the icon font Font Awesome ${version}: the published names of the icons in capitals,
-// each the UTF-8 of one character of the Private Use Area. For IconButton::setIconFromFontAwesome, and for
-// drawing text in the font itself; make a juce::String of one with juce::String::fromUTF8. An icon with several
-// published names has several constants.
-//
-// Written by tools/artwork/make-font-awesome-header.cmake; not to be edited by hand.
+    Written by tools/artwork/make-font-awesome-header.cmake; not to be edited by hand.
+*/
+#pragma once
 
 // Two systems' names are also names of icons, and some build systems define them as macros. What they say,
 // the compiler's own macros (__linux__, __ANDROID__) say as well.
@@ -68,4 +67,14 @@ namespace FontAwesomeIcons
 {
 ${constants}} // namespace FontAwesomeIcons
 ")
-message(STATUS "${icon_count} icons of Font Awesome ${version}: ${OUTPUT}")
+
+if(CHECK)
+    file(READ "${header}" present)
+    if(NOT present STREQUAL content)
+        message(FATAL_ERROR "${header} is not what the list of icons gives: run this script without CHECK")
+    endif()
+    message(STATUS "${icon_count} icons of Font Awesome ${version}, as in ${header}")
+else()
+    file(WRITE "${header}" "${content}")
+    message(STATUS "${icon_count} icons of Font Awesome ${version}: ${header}")
+endif()
