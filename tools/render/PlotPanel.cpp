@@ -37,17 +37,12 @@ double niceStep(double roughStep)
 
 } // namespace
 
-juce::Font createPlotFont(float height, bool bold)
-{
-    static const juce::Typeface::Ptr regular = createRobotoTypeface(false);
-    static const juce::Typeface::Ptr strong = createRobotoTypeface(true);
-    return juce::Font(bold ? strong : regular).withHeight(height);
-}
+PlotFonts::PlotFonts() : regular(createRobotoTypeface(false)), bold(createRobotoTypeface(true)) {}
 
-PlotPanel::PlotPanel(juce::Graphics& graphicsToUse, juce::Rectangle<float> bounds,
-                     const std::string& titleText, Axis x, Axis y)
-    : graphics(graphicsToUse), panel(bounds), area(bounds), title(titleText), horizontal(std::move(x)),
-      vertical(std::move(y))
+PlotPanel::PlotPanel(juce::Graphics& graphicsToUse, const PlotFonts& fontsToUse,
+                     juce::Rectangle<float> bounds, const std::string& titleText, Axis x, Axis y)
+    : graphics(graphicsToUse), fonts(fontsToUse), panel(bounds), area(bounds), title(titleText),
+      horizontal(std::move(x)), vertical(std::move(y))
 {
     area.removeFromTop(titleHeight);
     area.removeFromBottom(numbersHeight);
@@ -102,14 +97,14 @@ void PlotPanel::drawLegend(int line, const std::string& text, juce::Colour colou
                          .withY(area.getY() + 6.0f + legendLine * static_cast<float>(line))
                          .withHeight(legendLine);
     graphics.setColour(colour);
-    graphics.setFont(createPlotFont(textHeight, true));
+    graphics.setFont(fonts.getBold(textHeight));
     graphics.drawText(juce::String::fromUTF8(text.c_str()), row, juce::Justification::centredRight);
 }
 
 void PlotPanel::drawFrame()
 {
     graphics.setColour(frameColour);
-    graphics.setFont(createPlotFont(titleHeight * 0.65f, true));
+    graphics.setFont(fonts.getBold(titleHeight * 0.65f));
     graphics.drawText(juce::String::fromUTF8(title.c_str()),
                       panel.withHeight(titleHeight).withLeft(area.getX()), juce::Justification::centredLeft);
     drawHorizontalAxis();
@@ -120,7 +115,7 @@ void PlotPanel::drawFrame()
 
 void PlotPanel::drawHorizontalAxis()
 {
-    graphics.setFont(createPlotFont(textHeight));
+    graphics.setFont(fonts.getRegular(textHeight));
 
     for (const double tick : createTicks(horizontal))
     {
@@ -137,7 +132,7 @@ void PlotPanel::drawHorizontalAxis()
 
 void PlotPanel::drawVerticalAxis()
 {
-    graphics.setFont(createPlotFont(textHeight));
+    graphics.setFont(fonts.getRegular(textHeight));
 
     for (const double tick : createTicks(vertical))
     {

@@ -1,7 +1,7 @@
 /**
     One diagram of a picture: a frame with a title, two axes with grid lines and numbers, and curves in it.
 
-        PlotPanel panel(graphics, bounds, "Decay", {0.0, 2.0, false, "s"}, {-80.0, 0.0, false, "dB"});
+        PlotPanel panel(graphics, fonts, bounds, "Decay", {0.0, 2.0, false, "s"}, {-80.0, 0.0, false, "dB"});
         panel.drawCurve(points, juce::Colours::blue);
         panel.drawFrame();
 
@@ -17,8 +17,20 @@
 namespace ambrel::render
 {
 
-/** The compiled-in font in a height in pixels. */
-juce::Font createPlotFont(float height, bool bold = false);
+/** The compiled-in font. One object serves a whole picture. */
+class PlotFonts
+{
+public:
+    PlotFonts();
+
+    /** @param height  pixels */
+    juce::Font getRegular(float height) const { return juce::Font(regular).withHeight(height); }
+    juce::Font getBold(float height) const { return juce::Font(bold).withHeight(height); }
+
+private:
+    juce::Typeface::Ptr regular;
+    juce::Typeface::Ptr bold;
+};
 
 class PlotPanel
 {
@@ -32,8 +44,8 @@ public:
     };
 
     /** @param bounds  the whole panel, with title and numbers */
-    PlotPanel(juce::Graphics& graphics, juce::Rectangle<float> bounds, const std::string& title, Axis x,
-              Axis y);
+    PlotPanel(juce::Graphics& graphics, const PlotFonts& fonts, juce::Rectangle<float> bounds,
+              const std::string& title, Axis x, Axis y);
 
     /** The diagram itself. */
     juce::Rectangle<float> getArea() const { return area; }
@@ -61,6 +73,7 @@ private:
     void drawVerticalAxis();
 
     juce::Graphics& graphics;
+    const PlotFonts& fonts;
     juce::Rectangle<float> panel;
     juce::Rectangle<float> area;
     std::string title;

@@ -96,11 +96,11 @@ void drawWaveform(PlotPanel& panel, const std::vector<float>& samples, double sa
     panel.drawCurve(points, colour, 1.0f);
 }
 
-void drawWaveforms(juce::Graphics& graphics, juce::Rectangle<float> bounds, const StereoResponse& response,
-                   const RoomMeasures& measures, double duration)
+void drawWaveforms(juce::Graphics& graphics, const PlotFonts& fonts, juce::Rectangle<float> bounds,
+                   const StereoResponse& response, const RoomMeasures& measures, double duration)
 {
     const double peak = std::max(1e-6, std::pow(10.0, measures.peak / 20.0)) * 1.05;
-    PlotPanel panel(graphics, bounds, "Impulse response", {0.0, duration, false, "s"},
+    PlotPanel panel(graphics, fonts, bounds, "Impulse response", {0.0, duration, false, "s"},
                     {-peak, peak, false, ""});
     drawWaveform(panel, response.left, response.sampleRate, duration, leftColour);
     drawWaveform(panel, response.right, response.sampleRate, duration, rightColour);
@@ -118,10 +118,10 @@ Points toPoints(const std::vector<float>& values, double step)
     return points;
 }
 
-void drawDecays(juce::Graphics& graphics, juce::Rectangle<float> bounds, const RoomMeasures& measures,
-                double duration)
+void drawDecays(juce::Graphics& graphics, const PlotFonts& fonts, juce::Rectangle<float> bounds,
+                const RoomMeasures& measures, double duration)
 {
-    PlotPanel panel(graphics, bounds, "Energy decay and T30", {0.0, duration, false, "s"},
+    PlotPanel panel(graphics, fonts, bounds, "Energy decay and T30", {0.0, duration, false, "s"},
                     {lowestDecay, 0.0, false, "dB"});
     int line = 0;
 
@@ -139,11 +139,12 @@ void drawDecays(juce::Graphics& graphics, juce::Rectangle<float> bounds, const R
     panel.drawFrame();
 }
 
-void drawDensity(juce::Graphics& graphics, juce::Rectangle<float> bounds, const RoomMeasures& measures)
+void drawDensity(juce::Graphics& graphics, const PlotFonts& fonts, juce::Rectangle<float> bounds,
+                 const RoomMeasures& measures)
 {
     const double last = std::clamp(measures.duration, 0.1, 2.0);
-    PlotPanel panel(graphics, bounds, "Echo density (Gaussian noise: 1)", {firstDensity, last, true, "s"},
-                    {0.0, highestDensity, false, ""});
+    PlotPanel panel(graphics, fonts, bounds, "Echo density (Gaussian noise: 1)",
+                    {firstDensity, last, true, "s"}, {0.0, highestDensity, false, ""});
     Points points = toPoints(measures.echoDensity, RoomMeasures::densityStep);
     std::erase_if(points, [](const juce::Point<double>& point) { return point.x < firstDensity; });
 
@@ -166,13 +167,13 @@ juce::PixelARGB* createHeatColours(juce::PixelARGB* table, int size)
 }
 
 /** Each pixel of the diagram shows the frame and the bin that lie nearest. */
-void drawSpectrogram(juce::Graphics& graphics, juce::Rectangle<float> bounds, const StereoResponse& response,
-                     double duration)
+void drawSpectrogram(juce::Graphics& graphics, const PlotFonts& fonts, juce::Rectangle<float> bounds,
+                     const StereoResponse& response, double duration)
 {
     const PlotPanel::Axis time{0.0, duration, false, "s"};
     const PlotPanel::Axis frequency{lowestFrequency, std::min(highestFrequency, response.sampleRate / 2.0),
                                     true, "Hz"};
-    PlotPanel panel(graphics, bounds, "Spectrogram, 90 dB from white to black", time, frequency);
+    PlotPanel panel(graphics, fonts, bounds, "Spectrogram, 90 dB from white to black", time, frequency);
 
     const auto area = panel.getArea().toNearestInt();
     const auto shown =
@@ -214,7 +215,8 @@ void drawSpectrogram(juce::Graphics& graphics, juce::Rectangle<float> bounds, co
     panel.drawFrame();
 }
 
-void drawHead(juce::Graphics& graphics, const RoomMeasures& measures, const RoomDescription& room)
+void drawHead(juce::Graphics& graphics, const PlotFonts& fonts, const RoomMeasures& measures,
+              const RoomDescription& room)
 {
     const std::string text =
         (room.preset.empty() ? "Ambrel" : room.preset) + ", impulse from " + room.impulse + ", " +
@@ -223,7 +225,7 @@ void drawHead(juce::Graphics& graphics, const RoomMeasures& measures, const Room
         (measures.flatness ? formatted(", flatness %.2f", *measures.flatness) : "") +
         formatted(", late correlation %.2f", measures.correlationLate);
     graphics.setColour(textColour);
-    graphics.setFont(createPlotFont(26.0f, true));
+    graphics.setFont(fonts.getBold(26.0f));
     graphics.drawText(juce::String::fromUTF8(text.c_str()),
                       juce::Rectangle<int>(margin * 2, 0, pictureWidth - 4 * margin, headHeight),
                       juce::Justification::centredLeft);
@@ -237,7 +239,8 @@ juce::MemoryBlock createRoomPlot(const StereoResponse& response, const RoomMeasu
     juce::Image picture(juce::Image::RGB, pictureWidth, pictureHeight, true, juce::SoftwareImageType());
     juce::Graphics graphics(picture);
     graphics.fillAll(juce::Colours::white);
-    drawHead(graphics, measures, room);
+    const PlotFonts fonts;
+    drawHead(graphics, fonts, measures, room);
 
     auto body =
         picture.getBounds().withTrimmedTop(headHeight).reduced(margin, 0).withTrimmedBottom(margin).toFloat();
@@ -246,10 +249,10 @@ juce::MemoryBlock createRoomPlot(const StereoResponse& response, const RoomMeasu
     const auto lowerLeft = body.removeFromLeft(body.getWidth() / 2.0f);
     const double duration = getShownDuration(measures);
 
-    drawWaveforms(graphics, upperLeft, response, measures, duration);
-    drawDecays(graphics, upper, measures, duration);
-    drawDensity(graphics, lowerLeft, measures);
-    drawSpectrogram(graphics, body, response, duration);
+    drawWaveforms(graphics, fonts, upperLeft, response, measures, duration);
+    drawDecays(graphics, fonts, upper, measures, duration);
+    drawDensity(graphics, fonts, lowerLeft, measures);
+    drawSpectrogram(graphics, fonts, body, response, duration);
 
     juce::MemoryOutputStream stream;
     juce::PNGImageFormat().writeImageToStream(picture, stream);

@@ -9,6 +9,7 @@
 #include <juce_events/juce_events.h>
 
 #include <cstdio>
+#include <utility>
 
 namespace
 {
@@ -20,8 +21,9 @@ int run(const std::vector<std::string>& arguments)
     try
     {
         Interruption::install();
+        Options options = parseCommandLine(arguments);
         const juce::ScopedJuceInitialiser_GUI juceInitialiser;
-        const ExitStatus status = Application(parseCommandLine(arguments)).run();
+        const ExitStatus status = Application(std::move(options)).run();
 
         if (std::fflush(stdout) != 0)
             throw RenderError("standard output cannot be written");

@@ -1,0 +1,299 @@
+#include "tests/render/TestFolder.h"
+
+#include "tools/render/AudioFileReader.h"
+#include "tools/render/AudioFileWriter.h"
+#include "tools/render/Errors.h"
+#include "tools/render/Quantiser.h"
+
+#include <cstdint>
+#include <functional>
+
+namespace ambrel::render::test
+{
+
+namespace
+{
+
+juce::AudioBuffer<float> readInBlocks(AudioFileReader& file, int blockSize, int total)
+{
+    juce::AudioBuffer<float> whole(file.getNumChannels(), total);
+    juce::AudioBuffer<float> block(file.getNumChannels(), blockSize);
+
+    for (int start = 0; start < total; start += blockSize)
+    {
+        file.read(block);
+        for (int channel = 0; channel < whole.getNumChannels(); ++channel)
+            whole.copyFrom(channel, start, block, channel, 0, std::min(blockSize, total - start));
+    }
+    return whole;
+}
+
+float largestDifference(const juce::AudioBuffer<float>& a, const juce::AudioBuffer<float>& b, int samples)
+{
+    float largest = 0.0f;
+
+    for (int channel = 0; channel < a.getNumChannels(); ++channel)
+        for (int i = 0; i < samples; ++i)
+            largest = std::max(largest, std::abs(a.getSample(channel, i) - b.getSample(channel, i)));
+    return largest;
+}
+
+std::string number(std::uint32_t value, int bytes)
+{
+    std::string text;
+    for (int i = 0; i < bytes; ++i)
+        text += static_cast<char>(value >> (8 * i));
+    return text;
+}
+
+/** A WAV file with a header of any claim. */
+std::string wavFile(int format, int channels, int rate, int bits, const std::string& data,
+                    std::uint32_t claimedBytes)
+{
+    const int frame = channels * bits / 8;
+    return "RIFF" + number(claimedBytes + 36, 4) + "WAVEfmt " + number(16, 4) +
+           number(static_cast<std::uint32_t>(format), 2) + number(static_cast<std::uint32_t>(channels), 2) +
+           number(static_cast<std::uint32_t>(rate), 4) + number(static_cast<std::uint32_t>(rate * frame), 4) +
+           number(static_cast<std::uint32_t>(frame), 2) + number(static_cast<std::uint32_t>(bits), 2) +
+           "data" + number(claimedBytes, 4) + data;
+}
+
+} // namespace
+
+TEST(AudioFileReader, readsEveryFormatInBlocksAndThenSilence)
+{
+    struct Row
+    {
+        const char* name;
+        int channels;
+        int bits;
+        float tolerance;
+    };
+
+    const Row rows[] = {{"a.wav", 1, 8, 0.008f},    {"a.wav", 2, 16, 3.1e-5f},  {"a.wav", 2, 24, 1e-6f},
+                        {"a.wav", 1, 32, 0.0f},     {"a.aiff", 2, 16, 3.1e-5f}, {"a.aiff", 1, 24, 1e-6f},
+                        {"a.flac", 2, 16, 3.1e-5f}, {"a.flac", 1, 24, 1e-6f},   {"a.ogg", 2, 32, 0.15f}};
+    constexpr int length = 10000;
+
+    for (const Row& row : rows)
+    {
+        const TestFolder folder;
+        const auto sine = createSine(row.channels, length, 997.0, 44100.0);
+        AudioFileReader file(writeAudio(folder.path(row.name), sine, 44100.0, row.bits));
+
+        EXPECT_EQ(file.getNumChannels(), row.channels) << row.name;
+        EXPECT_EQ(file.getSampleRate(), 44100.0) << row.name;
+        ASSERT_EQ(file.getNumSamples(), length) << row.name;
+
+        const auto whole = readInBlocks(file, 768, length + 1000);
+        EXPECT_LE(largestDifference(sine, whole, length), row.tolerance)
+            << row.name << ", " << row.bits << " bits";
+        EXPECT_EQ(whole.getMagnitude(length, 1000), 0.0f) << row.name;
+    }
+}
+
+TEST(AudioFileReader, refusesWhatCannotBeReadWithTheReason)
+{
+    const TestFolder folder;
+    const std::string flac = folder.path("whole.flac");
+    const std::string ogg = folder.path("whole.ogg");
+    writeAudio(flac, createNoise(2, 20000), 48000.0, 16);
+    writeAudio(ogg, createNoise(2, 100000), 48000.0, 32);
+
+    std::string hurtFlac = folder.read("whole.flac");
+    std::string hurtOgg = folder.read("whole.ogg");
+    for (std::size_t i = 0; i < 200; ++i)
+    {
+        hurtFlac[hurtFlac.size() / 2 + i] ^= 0x5a;
+        hurtOgg[hurtOgg.size() / 2 + i] ^= 0x5a;
+    }
+
+    const std::string samples(2000, '\1');
+    const std::string notANumber = number(0x7fc00000, 4) + number(0x3f000000, 4);
+
+    struct Row
+    {
+        const char* name;
+        std::string content;
+        std::string reason;
+    };
+
+    const Row rows[] = {
+        {"empty.wav", "", "is empty"},
+        {"text.wav", "no audio at all, but some text", "is broken or of a kind"},
+        {"header.wav", wavFile(1, 1, 48000, 16, "", 0), "holds no audio"},
+        {"cut.wav", wavFile(1, 1, 48000, 16, samples, 4000), "ends behind 1000 of the 2000 samples"},
+        {"law.wav", wavFile(7, 1, 8000, 8, samples, 2000), "is broken or of a kind"},
+        {"odd.wav", wavFile(1, 1, 48000, 12, samples, 2000), "samples of 12 bits"},
+        {"rate.wav", wavFile(1, 1, 0, 16, samples, 2000), "is broken or of a kind"},
+        {"nan.wav", wavFile(3, 1, 48000, 32, notANumber, 8), "not finite"},
+        {"cut.flac", hurtFlac.substr(0, hurtFlac.size() / 3), "damaged or incomplete"},
+        {"hurt.flac", hurtFlac, "damaged or incomplete"},
+        {"hurt.ogg", hurtOgg, "damaged or incomplete"},
+    };
+
+    const auto errorOf = [](const std::string& path) -> std::string
+    {
+        try
+        {
+            AudioFileReader file(path);
+            juce::AudioBuffer<float> block(file.getNumChannels(), 100);
+            file.read(block);
+            return "";
+        }
+        catch (const RenderError& error)
+        {
+            return error.what();
+        }
+    };
+
+    for (const Row& row : rows)
+    {
+        const std::string error = errorOf(folder.write(row.name, row.content));
+        EXPECT_NE(error.find(row.reason), std::string::npos) << row.name << ": " << error;
+        EXPECT_NE(error.find(row.name), std::string::npos) << row.name << ": " << error;
+    }
+
+    EXPECT_NE(errorOf(folder.path("missing.wav")).find("no such file"), std::string::npos);
+    EXPECT_NE(errorOf(folder.path("")).find("is a folder"), std::string::npos);
+    EXPECT_EQ(errorOf(flac), "");
+    EXPECT_EQ(errorOf(ogg), "");
+}
+
+TEST(AudioFileReader, takesWhatIsThereIfTheLengthWasNotKnown)
+{
+    const TestFolder folder;
+
+    for (const std::uint32_t unknown : {0xffffffffu, 0x7ffff000u})
+    {
+        const AudioFileReader file(
+            folder.write("pipe.wav", wavFile(1, 1, 48000, 16, std::string(2000, '\1'), unknown)));
+        EXPECT_EQ(file.getNumSamples(), 1000);
+    }
+}
+
+TEST(AudioFileWriter, writesEveryWidthAsAsked)
+{
+    struct Row
+    {
+        const char* name;
+        int bits;
+        bool isFloat;
+        float tolerance; ///< with dither up to one and a half steps
+    };
+
+    const Row rows[] = {{"a.wav", 16, false, 1.5f / 32768.0f},
+                        {"a.wav", 24, false, 0.5f / 8388608.0f},
+                        {"a.wav", 32, true, 0.0f},
+                        {"a.flac", 16, false, 1.5f / 32768.0f},
+                        {"a.flac", 24, false, 0.5f / 8388608.0f},
+                        {"A.WAV", 24, false, 0.5f / 8388608.0f}};
+
+    for (const Row& row : rows)
+    {
+        const TestFolder folder;
+        const auto noise = createNoise(2, 5000);
+        AudioFileWriter file(folder.path(row.name), 96000.0, 2, row.bits);
+        file.write(noise, 0, 1);
+        file.write(noise, 1, 4999);
+        EXPECT_FALSE(folder.contains(row.name)) << "must not appear before it is whole";
+        file.commit();
+
+        EXPECT_EQ(folder.list(), std::vector<std::string>{row.name});
+        const ReadAudio audio = readAudio(folder.path(row.name));
+        ASSERT_EQ(audio.samples.getNumSamples(), 5000) << row.name;
+        EXPECT_EQ(audio.rate, 96000.0);
+        EXPECT_EQ(audio.bits, row.bits);
+        EXPECT_EQ(audio.isFloat, row.isFloat);
+        EXPECT_LE(largestDifference(noise, audio.samples, 5000), row.tolerance * 1.001f)
+            << row.name << row.bits;
+        EXPECT_EQ(file.getNumClipped(), 0);
+    }
+}
+
+TEST(AudioFileWriter, leavesWhatWasThereUnlessItIsFinished)
+{
+    const TestFolder folder;
+    folder.write("a.wav", "precious");
+
+    {
+        AudioFileWriter file(folder.path("a.wav"), 48000.0, 1, 16);
+        file.write(createNoise(1, 100000), 0, 100000);
+    }
+    EXPECT_EQ(folder.read("a.wav"), "precious");
+    EXPECT_EQ(folder.list().size(), 1u) << "a temporary file was left";
+
+    std::filesystem::create_symlink(folder.path("a.wav"), folder.path("link.wav"));
+    AudioFileWriter file(folder.path("link.wav"), 48000.0, 1, 16);
+    file.write(createNoise(1, 100), 0, 100);
+    file.commit();
+    EXPECT_TRUE(std::filesystem::is_symlink(folder.path("link.wav")));
+    EXPECT_EQ(readAudio(folder.path("a.wav")).samples.getNumSamples(), 100);
+}
+
+TEST(AudioFileWriter, refusesPlacesThatCannotBeWritten)
+{
+    const TestFolder folder;
+    std::filesystem::create_directory(folder.path("folder.wav"));
+
+    EXPECT_THROW(AudioFileWriter(folder.path("folder.wav"), 48000.0, 1, 16), RenderError);
+    EXPECT_THROW(AudioFileWriter(folder.path("missing/a.wav"), 48000.0, 1, 16), RenderError);
+    EXPECT_THROW(AudioFileWriter(folder.path("a.flac"), 1e6, 1, 16), RenderError) << "no FLAC has this rate";
+    EXPECT_EQ(folder.list().size(), 1u);
+}
+
+TEST(Quantiser, isTransparentForWhatIsAlreadyQuantised)
+{
+    std::vector<float> steps;
+    for (int value = -8388608; value < 8388608; value += 4099)
+        steps.push_back(static_cast<float>(value) / 8388608.0f);
+    std::vector<int> integers(steps.size());
+
+    Quantiser quantiser(24);
+    quantiser.convert(steps, integers);
+
+    for (std::size_t i = 0; i < steps.size(); ++i)
+        EXPECT_EQ(integers[i], static_cast<int>(steps[i] * 8388608.0f) * 256);
+    EXPECT_EQ(quantiser.getNumClipped(), 0);
+}
+
+/** A level of a third of a step is lost without dither; with it the mean tells the level, and the error has the
+    variance of triangular dither and rounding together, 1/6 + 1/12 steps squared. */
+TEST(Quantiser, dithersSixteenBits)
+{
+    constexpr std::size_t length = 200000;
+    constexpr double level = 1.0 / 3.0;
+    const std::vector<float> constant(length, static_cast<float>(level / 32768.0));
+    std::vector<int> integers(length);
+    Quantiser(16).convert(constant, integers);
+
+    double sum = 0.0;
+    double squares = 0.0;
+    for (const int value : integers)
+    {
+        const double step = static_cast<double>(value) / 65536.0;
+        sum += step;
+        squares += (step - level) * (step - level);
+    }
+    EXPECT_NEAR(sum / length, level, 0.005);
+    EXPECT_NEAR(squares / length, 0.25, 0.005);
+
+    std::vector<int> again(length);
+    Quantiser(16).convert(constant, again);
+    EXPECT_EQ(integers, again);
+
+    Quantiser(16).convert(std::vector<float>(length, 0.0f), integers);
+    EXPECT_EQ(integers, std::vector<int>(length, 0)) << "digital silence stays silent";
+}
+
+TEST(Quantiser, countsWhatItClips)
+{
+    Quantiser quantiser(24);
+    std::vector<int> integers(5);
+    quantiser.convert(std::vector<float>{1.0f, -1.0f, 1.5f, -1.5f, 0.999f}, integers);
+    EXPECT_EQ(quantiser.getNumClipped(), 3); // full scale itself lies one step above the range
+    EXPECT_EQ(integers[2], 0x7fffff00);
+    EXPECT_EQ(integers[3], std::numeric_limits<int>::min());
+}
+
+} // namespace ambrel::render::test

@@ -1,0 +1,347 @@
+#include "tests/render/TestFolder.h"
+
+#include "tools/render/RoomPlot.h"
+#include "tools/render/RoomReport.h"
+#include "tools/render/measures/Colouration.h"
+#include "tools/render/measures/EnergyDecay.h"
+#include "tools/render/measures/OctaveFilter.h"
+#include "tools/render/measures/RoomMeasures.h"
+#include "tools/render/measures/Spectrogram.h"
+#include "tools/render/measures/StereoImage.h"
+
+#include <juce_graphics/juce_graphics.h>
+
+namespace ambrel::measures
+{
+
+namespace
+{
+
+using render::test::createSine;
+
+constexpr double rate = 48000.0;
+
+/** Gaussian enough for every measure here: the sum of twelve uniform numbers. */
+std::vector<float> createGaussianNoise(std::size_t length, unsigned seed)
+{
+    std::mt19937 random(seed);
+    std::vector<float> noise(length);
+
+    for (float& sample : noise)
+    {
+        float sum = -6.0f;
+        for (int i = 0; i < 12; ++i)
+            sum += static_cast<float>(random()) / 4294967296.0f;
+        sample = sum;
+    }
+    return noise;
+}
+
+/** Noise that falls by 60 dB in a time. */
+std::vector<float> createDecay(double seconds, double decayTime, unsigned seed)
+{
+    std::vector<float> decay = createGaussianNoise(static_cast<std::size_t>(seconds * rate), seed);
+
+    for (std::size_t i = 0; i < decay.size(); ++i)
+        decay[i] *= static_cast<float>(std::pow(10.0, -3.0 * static_cast<double>(i) / rate / decayTime));
+    return decay;
+}
+
+std::vector<double> squared(const std::vector<float>& samples)
+{
+    std::vector<double> energy;
+    for (const float sample : samples)
+        energy.push_back(static_cast<double>(sample) * static_cast<double>(sample));
+    return energy;
+}
+
+double energyOf(std::span<const float> samples)
+{
+    double energy = 0.0;
+    for (const float sample : samples)
+        energy += static_cast<double>(sample) * static_cast<double>(sample);
+    return energy;
+}
+
+double expectedClarity(double border, double decayTime)
+{
+    return 10.0 * std::log10(std::pow(10.0, 6.0 * border / decayTime) - 1.0);
+}
+
+} // namespace
+
+TEST(OctaveFilter, passesItsOctaveAndNothingElse)
+{
+    struct Row
+    {
+        double ratio; ///< of the frequency to the centre
+        double lowest;
+        double highest;
+    };
+
+    const Row rows[] = {{1.0, -0.05, 0.05},
+                        {std::numbers::sqrt2, -3.4, -2.6},
+                        {1.0 / std::numbers::sqrt2, -3.4, -2.6},
+                        {1.15, -0.5, 0.05},
+                        {2.0, -60.0, -18.0},
+                        {0.5, -60.0, -18.0},
+                        {0.25, -120.0, -38.0}};
+
+    for (const double centre : {63.0, 1000.0, 8000.0})
+        for (const Row& row : rows)
+        {
+            if (centre * row.ratio > 0.45 * rate)
+                continue;
+
+            const auto sine = createSine(1, 96000, centre * row.ratio, rate, 1.0f);
+            const OctaveFilter filter(centre, rate);
+            for (const auto& band : {filter.filter({sine.getReadPointer(0), 96000}),
+                                     filter.filterReversed({sine.getReadPointer(0), 96000})})
+            {
+                const auto settled = std::span(band).subspan(24000, 48000);
+                const double gain = 10.0 * std::log10(energyOf(settled) / 24000.0);
+                EXPECT_GE(gain, row.lowest) << centre << " Hz, ratio " << row.ratio;
+                EXPECT_LE(gain, row.highest) << centre << " Hz, ratio " << row.ratio;
+            }
+        }
+
+    EXPECT_TRUE(OctaveFilter::canMeasure(8000.0, 44100.0));
+    EXPECT_FALSE(OctaveFilter::canMeasure(8000.0, 22050.0));
+}
+
+TEST(OctaveFilter, reversedFilteringPutsTheRingingInFront)
+{
+    std::vector<float> impulse(48000, 0.0f);
+    impulse[24000] = 1.0f;
+    const auto band = OctaveFilter(125.0, rate).filterReversed(impulse);
+    EXPECT_EQ(energyOf(std::span(band).subspan(24001)), 0.0);
+    EXPECT_GT(energyOf(std::span(band).first(24001)), 0.0);
+}
+
+TEST(EnergyDecay, findsTheTimeOfAnExponential)
+{
+    for (const double time : {0.2, 1.0, 5.0})
+    {
+        const EnergyDecay decay(squared(createDecay(1.5 * time, time, 1)), rate);
+        EXPECT_NEAR(decay.getTime(-5.0, -35.0).value_or(0.0), time, 0.03 * time);
+        EXPECT_NEAR(decay.getTime(-5.0, -25.0).value_or(0.0), time, 0.04 * time);
+        EXPECT_NEAR(decay.getTime(0.0, -10.0).value_or(0.0), time, 0.06 * time);
+        EXPECT_LT(decay.getStraightness(-5.0, -35.0).value_or(9.0), 0.5);
+        EXPECT_NEAR(decay.getTimeOfLevel(-30.0).value_or(0.0), time / 2.0, 0.02 * time);
+    }
+}
+
+/** A decay of 2 s that is cut after 1.4 s has 42 dB: enough for T20, not for T30 with a margin. */
+TEST(EnergyDecay, makesUpForAnEarlyEndAndKeepsSilentWhereItWouldGuess)
+{
+    const EnergyDecay cut(squared(createDecay(1.4, 2.0, 2)), rate);
+    EXPECT_NEAR(cut.getTime(-5.0, -25.0).value_or(0.0), 2.0, 0.06);
+    EXPECT_FALSE(cut.getTime(-5.0, -35.0).has_value());
+
+    const EnergyDecay longer(squared(createDecay(1.7, 2.0, 2)), rate);
+    EXPECT_NEAR(longer.getTime(-5.0, -35.0).value_or(0.0), 2.0, 0.06);
+
+    const EnergyDecay noise(squared(createGaussianNoise(96000, 3)), rate);
+    EXPECT_FALSE(noise.getTime(-5.0, -25.0).has_value());
+
+    const EnergyDecay silence(std::vector<double>(1000, 0.0), rate);
+    EXPECT_FALSE(silence.getTime(0.0, -10.0).has_value());
+    EXPECT_TRUE(silence.getCurve().empty());
+}
+
+TEST(EnergyDecay, tellsABentDecayFromAStraightOne)
+{
+    std::vector<float> bent = createDecay(3.0, 0.5, 4);
+    const std::vector<float> slow = createDecay(3.0, 2.0, 5);
+    for (std::size_t i = 0; i < bent.size(); ++i)
+        bent[i] += 0.05f * slow[i];
+
+    const EnergyDecay decay(squared(bent), rate);
+    EXPECT_GT(decay.getStraightness(-5.0, -35.0).value_or(0.0), 1.5);
+    EXPECT_GT(decay.getTime(-5.0, -35.0).value_or(0.0), 1.3 * decay.getTime(0.0, -10.0).value_or(9.0));
+}
+
+TEST(EchoDensity, isOneForNoiseAndNearNoughtForSingleEchoes)
+{
+    const EchoDensity noise(createGaussianNoise(48000, 6), rate);
+    double mean = 0.0;
+    for (const float value : noise.getProfile())
+        mean += static_cast<double>(value) / static_cast<double>(noise.getProfile().size());
+    EXPECT_NEAR(mean, 1.0, 0.02);
+
+    std::vector<float> sparse(48000, 0.0f);
+    for (std::size_t i = 0; i < sparse.size(); i += 300)
+        sparse[i] = 1.0f;
+    const EchoDensity echoes(sparse, rate);
+    EXPECT_LT(*std::max_element(echoes.getProfile().begin(), echoes.getProfile().end()), 0.1f);
+    EXPECT_FALSE(echoes.getTimeOf(0.9).has_value());
+
+    // Echoes up to 300 ms, noise from there.
+    const std::vector<float> tail = createGaussianNoise(48000, 7);
+    std::copy(tail.begin() + 14400, tail.end(), sparse.begin() + 14400);
+    EXPECT_NEAR(EchoDensity(sparse, rate).getTimeOf(0.9).value_or(0.0), 0.3, 0.02);
+
+    const EchoDensity silence(std::vector<float>(4800, 0.0f), rate);
+    EXPECT_EQ(silence.getProfile().size(), 100u);
+    EXPECT_EQ(silence.getProfile()[50], 0.0f);
+}
+
+TEST(Colouration, noiseIsFlatWhateverItsDecayAndResonancesAreNot)
+{
+    for (const double sampleRate : {44100.0, 48000.0, 96000.0})
+    {
+        const auto length = static_cast<std::size_t>(3.0 * sampleRate);
+        std::vector<float> tail = createGaussianNoise(length, 8);
+        for (std::size_t i = 0; i < length; ++i)
+            tail[i] *= std::exp(-3.0f * static_cast<float>(i) / static_cast<float>(sampleRate));
+        EXPECT_NEAR(measureSpectralFlatness(tail, sampleRate, 0.5).value_or(0.0), 0.5615, 0.025)
+            << sampleRate;
+
+        // A ringing tone every 100 Hz.
+        for (double frequency = 250.0; frequency < 4000.0; frequency += 100.0)
+            for (std::size_t i = 0; i < length; ++i)
+                tail[i] += 0.3f * std::exp(-3.0f * static_cast<float>(i) / static_cast<float>(sampleRate)) *
+                           static_cast<float>(std::sin(2.0 * std::numbers::pi * frequency *
+                                                       static_cast<double>(i) / sampleRate));
+        EXPECT_LT(measureSpectralFlatness(tail, sampleRate, 0.5).value_or(1.0), 0.4) << sampleRate;
+    }
+    EXPECT_FALSE(measureSpectralFlatness(createGaussianNoise(48000, 9), rate, 0.5).has_value())
+        << "too short";
+    EXPECT_FALSE(measureSpectralFlatness(std::vector<float>(96000, 0.0f), rate, 0.1).has_value()) << "silent";
+}
+
+TEST(StereoImage, tellsEqualDelayedAndIndependentChannels)
+{
+    const std::vector<float> left = createGaussianNoise(24000, 10);
+    const std::vector<float> other = createGaussianNoise(24000, 11);
+    std::vector<float> delayed(24000, 0.0f);
+    std::copy(left.begin(), left.end() - 30, delayed.begin() + 30);
+    std::vector<float> late(24000, 0.0f);
+    std::copy(left.begin(), left.end() - 100, late.begin() + 100);
+
+    EXPECT_NEAR(measureCorrelation(left, left, rate), 1.0, 1e-6);
+    EXPECT_NEAR(measureCorrelation(left, delayed, rate), 1.0, 0.01) << "within 1 ms";
+    EXPECT_NEAR(measureCorrelation(delayed, left, rate), 1.0, 0.01);
+    EXPECT_LT(measureCorrelation(left, late, rate), 0.05) << "beyond 1 ms";
+    EXPECT_LT(measureCorrelation(left, other, rate), 0.05);
+    EXPECT_EQ(measureCorrelation(left, std::vector<float>(24000, 0.0f), rate), 0.0);
+
+    std::vector<float> half = left;
+    for (float& sample : half)
+        sample *= 0.5f;
+    const auto balance = measureBalance(left, half, 4800);
+    ASSERT_EQ(balance.size(), 5u);
+    for (const double difference : balance)
+        EXPECT_NEAR(difference, 6.02, 0.01);
+}
+
+TEST(Spectrogram, showsASineWhereItIs)
+{
+    const auto sine = createSine(1, 48000, 3000.0, rate, 1.0f);
+    const Spectrogram spectrogram({sine.getReadPointer(0), 48000}, 1024, 480);
+    EXPECT_EQ(spectrogram.getNumFrames(), 100);
+    EXPECT_EQ(spectrogram.getNumBins(), 513);
+    EXPECT_NEAR(spectrogram.getLevel(50, 64), 0.0f, 0.1f); // 3000 Hz is bin 64
+    EXPECT_LT(spectrogram.getLevel(50, 80), -80.0f);
+}
+
+class RoomMeasuresTest : public testing::Test
+{
+protected:
+    static constexpr double time = 1.2;
+    const StereoResponse response{rate, createDecay(2.5, time, 20), createDecay(2.5, time, 21)};
+    const RoomMeasures measures = measureRoom(response);
+    const render::RoomDescription room{"Test \"room\"", "both", {{"reverbTime", 1.2f}, {"roomSize", 30.0f}}};
+};
+
+TEST_F(RoomMeasuresTest, areThoseOfTheSyntheticRoom)
+{
+    ASSERT_EQ(measures.octaves.size(), 8u);
+    std::vector<BandMeasures> bands = measures.octaves;
+    bands.push_back(measures.broadband);
+
+    for (const BandMeasures& band : bands)
+    {
+        // Narrow bands of noise scatter: the 63 Hz octave holds some 100 independent values.
+        const double tolerance = band.centre > 0.0 && band.centre < 250.0 ? 0.15 : 0.05;
+        EXPECT_NEAR(band.t30.value_or(0.0), time, tolerance * time) << band.centre;
+        EXPECT_NEAR(band.t20.value_or(0.0), time, 1.5 * tolerance * time) << band.centre;
+        EXPECT_NEAR(band.c50.value_or(99.0), expectedClarity(0.05, time), 30.0 * tolerance) << band.centre;
+        EXPECT_NEAR(band.c80.value_or(99.0), expectedClarity(0.08, time), 30.0 * tolerance) << band.centre;
+    }
+
+    EXPECT_NEAR(measures.broadband.level,
+                10.0 * std::log10(energyOf(response.left) + energyOf(response.right)), 0.01);
+    EXPECT_NEAR(measures.octaves[6].level - measures.octaves[4].level, 6.0, 1.0)
+        << "two octaves up, white noise";
+    EXPECT_LT(measures.mixingTime.value_or(9.0), 0.02);
+    EXPECT_NEAR(measures.flatness.value_or(0.0), 0.5615, 0.025);
+    EXPECT_LT(measures.correlationLate, 0.06);
+    EXPECT_NEAR(static_cast<double>(measures.balance.size()), 1.2 / RoomMeasures::balanceStep, 1.0)
+        << "down to -60 dB";
+    EXPECT_NEAR(measures.broadband.decay.at(40), -10.0, 0.5) << "0.2 s";
+}
+
+TEST_F(RoomMeasuresTest, areReportedAsJsonAndAsATable)
+{
+    const juce::var report = juce::JSON::parse(juce::String(render::createReportJson(measures, room)));
+    ASSERT_TRUE(report.isObject());
+    EXPECT_EQ(report["preset"].toString(), "Test \"room\"");
+    EXPECT_NEAR(static_cast<double>(report["settings"]["reverbTime"]), 1.2, 1e-6);
+    EXPECT_EQ(report["octaves"].size(), 8);
+    EXPECT_EQ(static_cast<double>(report["octaves"][0]["centre"]), 63.0);
+    EXPECT_NEAR(static_cast<double>(report["broadband"]["t30"]), *measures.broadband.t30, 1e-4);
+    EXPECT_EQ(report["echoDensity"]["values"].size(), static_cast<int>(measures.echoDensity.size()));
+
+    RoomMeasures unknown = measures;
+    unknown.broadband.t30.reset();
+    const juce::var gaps = juce::JSON::parse(juce::String(render::createReportJson(unknown, room)));
+    EXPECT_TRUE(gaps["broadband"].hasProperty("t30"));
+    EXPECT_TRUE(gaps["broadband"]["t30"].isVoid());
+
+    const std::string table = render::createReportTable(measures, room);
+    for (const char* text :
+         {"Test \"room\"", "reverbTime=1.2", "63 Hz", "8 kHz", "T30", "diffuse", "Balance"})
+        EXPECT_NE(table.find(text), std::string::npos) << text;
+    EXPECT_EQ(table.find("roomSize"), std::string::npos) << "a default is not told";
+}
+
+TEST_F(RoomMeasuresTest, areDrawnIntoAPicture)
+{
+    const juce::MemoryBlock png = render::createRoomPlot(response, measures, room);
+    const juce::Image picture = juce::ImageFileFormat::loadFrom(png.getData(), png.getSize());
+    ASSERT_EQ(picture.getWidth(), 1600);
+    ASSERT_EQ(picture.getHeight(), 1200);
+
+    // Something is drawn in the head and in the middle of each diagram.
+    for (const juce::Rectangle<int> part : {juce::Rectangle<int>(40, 10, 600, 40),
+                                            {110, 100, 500, 450},
+                                            {900, 100, 500, 450},
+                                            {110, 680, 600, 400},
+                                            {900, 680, 600, 400}})
+    {
+        int coloured = 0;
+        for (int y = part.getY(); y < part.getBottom(); ++y)
+            for (int x = part.getX(); x < part.getRight(); ++x)
+                coloured += picture.getPixelAt(x, y).getPerceivedBrightness() < 0.8f ? 1 : 0;
+        EXPECT_GT(coloured, 300) << part.toString();
+    }
+}
+
+TEST(RoomMeasures, aSilentOrShortResponseHasNone)
+{
+    for (const std::size_t length : {std::size_t{1}, std::size_t{100}, std::size_t{48000}})
+    {
+        const StereoResponse silent{rate, std::vector<float>(length), std::vector<float>(length)};
+        const RoomMeasures measures = measureRoom(silent);
+        EXPECT_FALSE(measures.broadband.t30.has_value());
+        EXPECT_FALSE(measures.mixingTime.has_value());
+        EXPECT_FALSE(measures.flatness.has_value());
+        EXPECT_TRUE(measures.balance.empty());
+        EXPECT_FALSE(render::createReportJson(measures, {}).empty());
+        EXPECT_FALSE(render::createReportTable(measures, {}).empty());
+        EXPECT_FALSE(render::createRoomPlot(silent, measures, {}).isEmpty());
+    }
+}
+
+} // namespace ambrel::measures

@@ -1,0 +1,189 @@
+#include "tests/render/TestFolder.h"
+
+#include "tools/render/ImpulseSource.h"
+#include "tools/render/LevelMeter.h"
+#include "tools/render/Renderer.h"
+
+namespace ambrel::render::test
+{
+
+namespace
+{
+
+constexpr double rate = 48000.0;
+
+/** Delays by a number of samples, repeats with a gain, and may declare the delay as latency. */
+class EchoProcessor : public juce::AudioProcessor
+{
+public:
+    EchoProcessor(int delayInSamples, float feedbackGain, bool declaresLatency)
+        : AudioProcessor(BusesProperties()
+                             .withInput("in", juce::AudioChannelSet::stereo())
+                             .withOutput("out", juce::AudioChannelSet::stereo())),
+          delay(delayInSamples), feedback(feedbackGain)
+    {
+        setLatencySamples(declaresLatency ? delay : 0);
+    }
+
+    void processBlock(juce::AudioBuffer<float>& block, juce::MidiBuffer&) override
+    {
+        for (int i = 0; i < block.getNumSamples(); ++i, ++position)
+            for (int channel = 0; channel < block.getNumChannels(); ++channel)
+            {
+                float& held =
+                    line[static_cast<std::size_t>(channel)][static_cast<std::size_t>(position % delay)];
+                const float out = held;
+                held = block.getSample(channel, i) + feedback * out;
+                block.setSample(channel, i, out);
+            }
+    }
+
+    bool isBusesLayoutSupported(const BusesLayout& layout) const override
+    {
+        return layout.getMainInputChannels() <= 2 &&
+               layout.getMainInputChannels() == layout.getMainOutputChannels();
+    }
+
+    const juce::String getName() const override { return "echo"; }
+    void prepareToPlay(double, int) override {}
+    void releaseResources() override {}
+    double getTailLengthSeconds() const override { return 0.0; }
+    bool acceptsMidi() const override { return false; }
+    bool producesMidi() const override { return false; }
+    juce::AudioProcessorEditor* createEditor() override { return nullptr; }
+    bool hasEditor() const override { return false; }
+    int getNumPrograms() override { return 1; }
+    int getCurrentProgram() override { return 0; }
+    void setCurrentProgram(int) override {}
+    const juce::String getProgramName(int) override { return {}; }
+    void changeProgramName(int, const juce::String&) override {}
+    void getStateInformation(juce::MemoryBlock&) override {}
+    void setStateInformation(const void*, int) override {}
+
+private:
+    int delay;
+    float feedback;
+    std::int64_t position = 0;
+    std::array<std::vector<float>, 2> line{std::vector<float>(static_cast<std::size_t>(delay)),
+                                           std::vector<float>(static_cast<std::size_t>(delay))};
+};
+
+/** Keeps the left channel. */
+class Recorder : public SampleSink
+{
+public:
+    void write(const juce::AudioBuffer<float>& block, int start, int numSamples) override
+    {
+        samples.insert(samples.end(), block.getReadPointer(0, start),
+                       block.getReadPointer(0, start) + numSamples);
+    }
+
+    std::vector<float> samples;
+};
+
+std::vector<float> render(juce::AudioProcessor& processor, std::int64_t inputLength, const TailRule& rule,
+                          int blockSize)
+{
+    Progress progress(Progress::Style::silent);
+    ImpulseSource source(rate, inputLength, ImpulsePosition::both);
+    Recorder recorder;
+    const RenderedAudio audio =
+        Renderer(processor, blockSize, progress).render(source, recorder, rule, "test");
+
+    EXPECT_EQ(audio.input.numSamples, inputLength);
+    EXPECT_EQ(audio.output.numSamples, static_cast<std::int64_t>(recorder.samples.size()));
+    return recorder.samples;
+}
+
+} // namespace
+
+/** Echoes of 1, 1/2, 1/4 ... every 1000 samples fall below -90 dB of the first at the 15th halving, so the last
+    audible one is the 14th, at sample 15000. */
+TEST(Renderer, endsWithTheLastAudibleSample)
+{
+    for (const int blockSize : {1, 37, 1024, 40000})
+    {
+        EchoProcessor echo(1000, 0.5f, false);
+        const auto output = render(echo, 10, {std::nullopt, 0.05, 100.0}, blockSize);
+        ASSERT_EQ(output.size(), 15001u) << blockSize;
+        EXPECT_EQ(output.back(), std::ldexp(1.0f, -14)) << blockSize;
+        EXPECT_EQ(output[1000], 1.0f) << blockSize;
+    }
+}
+
+TEST(Renderer, keepsTheInputsLengthAtLeast)
+{
+    EchoProcessor echo(10, 0.0f, false);
+    EXPECT_EQ(render(echo, 5000, {std::nullopt, 0.05, 100.0}, 512).size(), 5000u);
+}
+
+TEST(Renderer, aPauseWithinTheHoldTimeDoesNotEndATail)
+{
+    EchoProcessor slow(20000, 0.1f, false);
+    EXPECT_EQ(render(slow, 1, {std::nullopt, 0.5, 100.0}, 512).size(), 100001u);
+
+    EchoProcessor slower(30000, 0.1f, false);
+    EXPECT_EQ(render(slower, 1, {std::nullopt, 0.5, 100.0}, 512).size(), 1u) << "the echo comes too late";
+}
+
+TEST(Renderer, aTailThatNeverEndsIsCut)
+{
+    EchoProcessor endless(1, 1.0f, false);
+    const auto output = render(endless, 1, {std::nullopt, 0.5, 2.0}, 512);
+    EXPECT_GE(output.size(), 96001u);
+    EXPECT_LE(output.size(), 96001u + 512u);
+}
+
+TEST(Renderer, aFixedTailHasItsLengthAndLatencyIsTakenOff)
+{
+    for (const double seconds : {0.0, 0.25})
+        for (const int blockSize : {1, 512, 4096})
+        {
+            EchoProcessor late(700, 0.0f, true);
+            const auto output = render(late, 1000, {seconds, 0.5, 2.0}, blockSize);
+            ASSERT_EQ(output.size(), 1000u + static_cast<std::size_t>(seconds * rate)) << blockSize;
+            EXPECT_EQ(output[0], 1.0f) << blockSize;
+        }
+}
+
+TEST(LevelMeter, tellsPeakAndRms)
+{
+    LevelMeter meter(rate, 2);
+    auto sine = createSine(2, 48000, 1000.0, rate, 0.5f);
+    sine.clear(1, 0, 48000);
+    meter.add(sine, 0, 48000);
+
+    const Levels levels = meter.getLevels();
+    EXPECT_NEAR(levels.peak, -6.02, 0.01);
+    EXPECT_NEAR(levels.rms, -6.02 - 3.01 - 3.01, 0.01); // a sine, in one of two channels
+    EXPECT_EQ(LevelMeter(rate, 1).getLevels().rms, silenceLevel);
+}
+
+/** ITU-R BS.1770: a sine of 997 Hz at full scale in one channel reads -3.01 LUFS, at every sample rate; gates. */
+TEST(LoudnessMeter, followsTheRecommendation)
+{
+    for (const double sampleRate : {32000.0, 44100.0, 48000.0, 96000.0})
+    {
+        const int second = static_cast<int>(sampleRate);
+        LoudnessMeter meter(sampleRate, 2);
+        auto sine = createSine(2, 10 * second, 997.0, sampleRate, 1.0f);
+        sine.clear(1, 0, sine.getNumSamples());
+        meter.add(sine, 0, sine.getNumSamples());
+        EXPECT_NEAR(meter.getIntegrated().value_or(0.0), -3.01, 0.02) << sampleRate;
+
+        sine.applyGain(0.001f); // -60 dB: above the absolute gate, below the relative one
+        meter.add(sine, 0, sine.getNumSamples());
+        EXPECT_NEAR(meter.getIntegrated().value_or(0.0), -3.01, 0.1) << sampleRate;
+    }
+
+    LoudnessMeter low(rate, 1);
+    low.add(createSine(1, 48000, 60.0, rate, 1.0f), 0, 48000);
+    LoudnessMeter high(rate, 1);
+    high.add(createSine(1, 48000, 4000.0, rate, 1.0f), 0, 48000);
+    EXPECT_NEAR(*high.getIntegrated() - *low.getIntegrated(), 6.2, 1.0)
+        << "the weighting's shelf and high-pass";
+
+    EXPECT_FALSE(LoudnessMeter(rate, 1).getIntegrated().has_value());
+}
+
+} // namespace ambrel::render::test

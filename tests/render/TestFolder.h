@@ -1,0 +1,133 @@
+/**
+    What the renderer's tests share: a folder of their own, signals, and audio files with these.
+*/
+#pragma once
+
+#include <juce_audio_formats/juce_audio_formats.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <numbers>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace ambrel::render::test
+{
+
+/** An empty folder that goes away with the object. */
+class TestFolder
+{
+public:
+    TestFolder()
+    {
+        std::string pattern = (std::filesystem::temp_directory_path() / "ambrel-render-XXXXXX").string();
+        folder = mkdtemp(pattern.data());
+    }
+
+    ~TestFolder() { std::filesystem::remove_all(folder); }
+
+    std::string path(const std::string& name) const { return (folder / name).string(); }
+
+    std::vector<std::string> list() const
+    {
+        std::vector<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(folder))
+            names.push_back(entry.path().filename().string());
+        return names;
+    }
+
+    bool contains(const std::string& name) const { return std::filesystem::exists(folder / name); }
+
+    std::string read(const std::string& name) const
+    {
+        std::ifstream stream(folder / name, std::ios::binary);
+        return {std::istreambuf_iterator<char>(stream), {}};
+    }
+
+    std::string write(const std::string& name, const std::string& content) const
+    {
+        std::ofstream(folder / name, std::ios::binary) << content;
+        return path(name);
+    }
+
+private:
+    std::filesystem::path folder;
+};
+
+/** Noise between -0.5 and 0.5, the same every time; each channel its own. */
+inline juce::AudioBuffer<float> createNoise(int channels, int samples)
+{
+    std::mt19937 random(1);
+    juce::AudioBuffer<float> noise(channels, samples);
+
+    for (int channel = 0; channel < channels; ++channel)
+        for (int i = 0; i < samples; ++i)
+            noise.setSample(channel, i, static_cast<float>(random()) / 4294967296.0f - 0.5f);
+    return noise;
+}
+
+inline juce::AudioBuffer<float> createSine(int channels, int samples, double frequency, double rate,
+                                           float gain = 0.5f)
+{
+    juce::AudioBuffer<float> sine(channels, samples);
+
+    for (int channel = 0; channel < channels; ++channel)
+        for (int i = 0; i < samples; ++i)
+            sine.setSample(channel, i,
+                           gain *
+                               static_cast<float>(std::sin(2.0 * std::numbers::pi * frequency * i / rate)));
+    return sine;
+}
+
+/** Writes with the library's own writers; the extension tells the kind. */
+inline std::string writeAudio(const std::string& path, const juce::AudioBuffer<float>& audio, double rate,
+                              int bits)
+{
+    juce::AudioFormatManager formats;
+    formats.registerBasicFormats();
+    const juce::File file(path);
+    file.deleteFile(); // the stream would append
+    auto stream = std::make_unique<juce::FileOutputStream>(file);
+    const std::unique_ptr<juce::AudioFormatWriter> writer(
+        formats.findFormatForFileExtension(file.getFileExtension())
+            ->createWriterFor(stream.get(), rate, static_cast<unsigned>(audio.getNumChannels()), bits, {},
+                              0));
+    stream.release();
+    writer->writeFromAudioSampleBuffer(audio, 0, audio.getNumSamples());
+    return path;
+}
+
+struct ReadAudio
+{
+    juce::AudioBuffer<float> samples;
+    double rate = 0.0;
+    int bits = 0;
+    bool isFloat = false;
+};
+
+/** Reads with the library's own readers; no channels if it cannot be read. */
+inline ReadAudio readAudio(const std::string& path)
+{
+    juce::AudioFormatManager formats;
+    formats.registerBasicFormats();
+    const std::unique_ptr<juce::AudioFormatReader> reader(formats.createReaderFor(juce::File(path)));
+
+    if (reader == nullptr)
+        return {};
+
+    ReadAudio audio;
+    audio.samples.setSize(static_cast<int>(reader->numChannels), static_cast<int>(reader->lengthInSamples));
+    reader->read(&audio.samples, 0, audio.samples.getNumSamples(), 0, true, true);
+    audio.rate = reader->sampleRate;
+    audio.bits = static_cast<int>(reader->bitsPerSample);
+    audio.isFloat = reader->usesFloatingPointData;
+    return audio;
+}
+
+} // namespace ambrel::render::test

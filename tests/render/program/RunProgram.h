@@ -1,0 +1,87 @@
+/**
+    Runs ambrel-render as a user does: with a home of its own, without a display, its outputs caught.
+*/
+#pragma once
+
+#include "tests/render/TestFolder.h"
+
+#include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
+#include <functional>
+#include <optional>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+namespace ambrel::render::test
+{
+
+struct Outcome
+{
+    int status = -1; ///< exit status; 1000 and the signal if it was killed
+    std::string output;
+    std::string error;
+};
+
+struct RunOptions
+{
+    std::function<bool()> interruptWhen;           ///< asked again and again; then SIGINT is sent once
+    std::optional<unsigned long> largestFileBytes; ///< a file that grows beyond it fails, as on a full disk
+};
+
+namespace detail
+{
+
+[[noreturn]] inline void becomeProgram(const TestFolder& home, const std::vector<std::string>& arguments,
+                                       const RunOptions& options)
+{
+    const auto redirect = [&](const char* name, int descriptor)
+    { dup2(open(home.path(name).c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), descriptor); };
+    redirect("stdout", STDOUT_FILENO);
+    redirect("stderr", STDERR_FILENO);
+    setenv("HOME", home.path("").c_str(), 1);
+    unsetenv("XDG_CONFIG_HOME");
+    unsetenv("DISPLAY");
+
+    if (options.largestFileBytes)
+    {
+        const rlimit limit{*options.largestFileBytes, *options.largestFileBytes};
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+
+    std::vector<char*> words{const_cast<char*>(AMBREL_RENDER_PROGRAM)};
+    for (const std::string& argument : arguments)
+        words.push_back(const_cast<char*>(argument.c_str()));
+    words.push_back(nullptr);
+    execv(words[0], words.data());
+    _exit(127);
+}
+
+} // namespace detail
+
+/** @param home  receives what the program writes at home, and its two outputs */
+inline Outcome run(const TestFolder& home, const std::vector<std::string>& arguments,
+                   const RunOptions& options = {})
+{
+    const pid_t process = fork();
+
+    if (process == 0)
+        detail::becomeProgram(home, arguments, options);
+
+    int status = 0;
+
+    if (options.interruptWhen)
+    {
+        while (!options.interruptWhen() && waitpid(process, &status, WNOHANG) == 0)
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        kill(process, SIGINT);
+    }
+
+    waitpid(process, &status, 0);
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : 1000 + WTERMSIG(status), home.read("stdout"),
+            home.read("stderr")};
+}
+
+} // namespace ambrel::render::test
