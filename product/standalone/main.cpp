@@ -9,13 +9,14 @@ juce::JUCEApplicationBase* juce_CreateApplication();
 
 int main(int argc, char* argv[])
 {
+    // Before JUCE starts: by this it knows a program of its own and takes X's errors calmly.
+    juce::JUCEApplicationBase::createInstance = &juce_CreateApplication;
+
     const juce::ScopedJuceInitialiser_GUI library;
     if (juce::Desktop::getInstance().isHeadless())
     {
         std::cerr << "Ambrel: there is no display to open a window on. ambrel-render works without one.\n";
         return EXIT_FAILURE;
     }
-
-    juce::JUCEApplicationBase::createInstance = &juce_CreateApplication;
     return juce::JUCEApplicationBase::main(argc, const_cast<const char**>(argv));
 }

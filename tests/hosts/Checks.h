@@ -11,6 +11,10 @@
 #include <random>
 #include <vector>
 
+#if defined(__SSE2__)
+#include <xmmintrin.h>
+#endif
+
 namespace hosts
 {
 
@@ -27,6 +31,23 @@ public:
     }
 
     int failures = 0;
+};
+
+/** Loading the plug-in runs its start-up code, which turns denormals off on the loading thread: the sign that no
+    linker has left that code out. Clear before loading, ask behind it. */
+class StartUpSign
+{
+public:
+#if defined(__SSE2__)
+    StartUpSign() { _mm_setcsr(_mm_getcsr() & ~denormalBits); }
+    ~StartUpSign() { _mm_setcsr(_mm_getcsr() & ~denormalBits); }
+    bool isThere() const { return (_mm_getcsr() & denormalBits) == denormalBits; }
+
+private:
+    static constexpr unsigned denormalBits = 0x8040;
+#else
+    bool isThere() const { return true; }
+#endif
 };
 
 using Channels = std::vector<std::vector<float>>;

@@ -129,6 +129,7 @@ int run(const juce::String& formatName, const juce::File& bundle)
         return EXIT_FAILURE;
     }
 
+    const hosts::StartUpSign startUp;
     const auto plugIn = load(*format, bundle, 48000.0, 512);
     if (plugIn == nullptr)
     {
@@ -137,6 +138,7 @@ int run(const juce::String& formatName, const juce::File& bundle)
     }
 
     hosts::Checks checks;
+    checks.expect(startUp.isThere(), "its start-up code has run");
     checks.expect(plugIn->getName() == "Ambrel", "its name is Ambrel");
     checks.expect(plugIn->getPluginDescription().manufacturerName == "Veskora", "its maker is Veskora");
     checks.expect(plugIn->getPluginDescription().version == "1.0.3" || formatName == "LV2",

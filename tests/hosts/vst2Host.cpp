@@ -102,6 +102,7 @@ void checkState(PlugIn& plugIn, hosts::Checks& checks)
 
 int main(int argc, char** argv)
 {
+    const hosts::StartUpSign startUp;
     void* library = argc == 2 ? dlopen(argv[1], RTLD_NOW | RTLD_LOCAL) : nullptr;
     if (library == nullptr)
     {
@@ -119,6 +120,7 @@ int main(int argc, char** argv)
     }
 
     hosts::Checks checks;
+    checks.expect(startUp.isThere(), "its start-up code has run");
     {
         PlugIn plugIn(*effect);
         checkIdentity(plugIn, checks);
