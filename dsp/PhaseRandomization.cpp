@@ -12,8 +12,8 @@ namespace vesk::audio
 
 namespace
 {
-/** Rounds of the search. So many leave a few parts in ten thousand of the energy outside the window, and a flat
-    magnitude comes out flat to about 0.1 dB. */
+/** Rounds of the search. So many leave a few parts in ten thousand of the energy outside the window, and a
+    flat magnitude comes out flat to about 0.1 dB. */
 constexpr int numIterations = 128;
 
 /** Falls in a straight line over length samples and is 0 from there on. */
