@@ -10,6 +10,12 @@
 namespace vesk::audio
 {
 
+namespace
+{
+/** Up to this many taps the direct head costs less than a block partition, however long the blocks are. */
+constexpr int longestAlwaysDirect = 32;
+} // namespace
+
 FirFilter::FirFilter() : directFilter(std::make_unique<IppFirFilter>()) {}
 
 FirFilter::FirFilter(const Signal32& impulseResponse) : FirFilter() { setImpulseResponse(impulseResponse); }
@@ -147,7 +153,8 @@ void FirFilter::updateBlockSize(int length)
         return;
     blockSize = length;
 
-    const bool fits = length >= headLength && MathEx::findNearestPowerOfTwo(length) == length;
+    const bool fits = length >= headLength && MathEx::findNearestPowerOfTwo(length) == length &&
+                      impulseResponses.front().numSamples > longestAlwaysDirect;
     const int wanted = fits ? length : -1;
     if (wanted == blockPartitionSize)
         return;

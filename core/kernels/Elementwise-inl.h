@@ -223,8 +223,8 @@ HWY_INLINE void phase(const Complex* src, float* dst, std::size_t n)
     std::size_t i = 0;
     for (; i + lanes <= n; i += lanes)
     {
-        auto re = hn::Undefined(d);
-        auto im = hn::Undefined(d);
+        auto re = hn::Zero(d);
+        auto im = hn::Zero(d);
         hn::LoadInterleaved2(d, asFloats(src + i), re, im);
 
         // The arc tangent of the smaller over the larger, then unfolded by octant. 0/0 reads as 0.

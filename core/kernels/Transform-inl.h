@@ -104,7 +104,7 @@ struct InterleavedSource
     HWY_INLINE ComplexVector<hn::VFromD<D>> load(std::size_t index) const
     {
         const D d;
-        ComplexVector<hn::VFromD<D>> value{hn::Undefined(d), hn::Undefined(d)};
+        ComplexVector<hn::VFromD<D>> value{hn::Zero(d), hn::Zero(d)};
         hn::LoadInterleaved2(d, memory + 2 * hn::Lanes(d) * index, value.re, value.im);
         return value;
     }
@@ -462,8 +462,8 @@ HWY_INLINE void tangle(D d, const FftTables& tables, const Complex* spectrum, fl
     for (std::size_t k = 1; k <= length / 2; k += lanes)
     {
         const std::size_t mirrored = length - k - lanes + 1;
-        ComplexVector<V> a{hn::Undefined(d), hn::Undefined(d)};
-        ComplexVector<V> b{hn::Undefined(d), hn::Undefined(d)};
+        ComplexVector<V> a{hn::Zero(d), hn::Zero(d)};
+        ComplexVector<V> b{hn::Zero(d), hn::Zero(d)};
         hn::LoadInterleaved2(d, src + 2 * k, a.re, a.im);
         hn::LoadInterleaved2(d, src + 2 * mirrored, b.re, b.im);
         b = {hn::Reverse(d, b.re), hn::Neg(hn::Reverse(d, b.im))};

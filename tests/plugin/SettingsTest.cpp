@@ -12,8 +12,7 @@ juce::File home() { return juce::File::getSpecialLocation(juce::File::userHomeDi
 class Resource
 {
 public:
-    Resource(const juce::String& path, const juce::String& content)
-        : file(PlugInPlaces("TestBundle", "").getResourceFolder().getChildFile(path))
+    Resource(const juce::String& path, const juce::String& content) : file(makeFolder().getChildFile(path))
     {
         file.create();
         file.replaceWithText(content);
@@ -21,6 +20,16 @@ public:
     ~Resource() { file.deleteFile(); }
 
     const juce::File file;
+
+private:
+    /** Shared resources beside this program, of the test's own bundle. The folder stays: tests that run at the
+        same time share it, and no other bundle looks there. */
+    static juce::File makeFolder()
+    {
+        const auto program = juce::File::getSpecialLocation(juce::File::currentExecutableFile);
+        program.getSiblingFile("share/TestBundle").createDirectory();
+        return PlugInPlaces("TestBundle", "").getResourceFolder();
+    }
 };
 } // namespace
 
