@@ -21,24 +21,15 @@ std::vector<SpeakerPosition> standardLayout(int channels)
 {
     switch (channels)
     {
-    case 1:
-        return {centre};
-    case 2:
-        return {left, right};
-    case 3:
-        return {left, right, lowFrequency};
-    case 4:
-        return {left, right, leftSurround, rightSurround};
-    case 5:
-        return {left, right, centre, leftSurround, rightSurround};
-    case 6:
-        return {left, right, centre, lowFrequency, leftSurround, rightSurround};
-    case 7:
-        return {left, right, centre, leftSurround, rightSurround, leftSide, rightSide};
-    case 8:
-        return {left, right, centre, lowFrequency, leftSurround, rightSurround, leftSide, rightSide};
-    default:
-        return std::vector<SpeakerPosition>(static_cast<std::size_t>(std::max(channels, 0)));
+    case 1: return {centre};
+    case 2: return {left, right};
+    case 3: return {left, right, lowFrequency};
+    case 4: return {left, right, leftSurround, rightSurround};
+    case 5: return {left, right, centre, leftSurround, rightSurround};
+    case 6: return {left, right, centre, lowFrequency, leftSurround, rightSurround};
+    case 7: return {left, right, centre, leftSurround, rightSurround, leftSide, rightSide};
+    case 8: return {left, right, centre, lowFrequency, leftSurround, rightSurround, leftSide, rightSide};
+    default: return std::vector<SpeakerPosition>(static_cast<std::size_t>(std::max(channels, 0)));
     }
 }
 } // namespace

@@ -27,24 +27,16 @@ const char* ippGetStatusString(IppStatus status)
 {
     switch (status)
     {
-    case ippStsNoErr:
-        return "ippStsNoErr: No errors.";
-    case ippStsNullPtrErr:
-        return "ippStsNullPtrErr: Null pointer error.";
-    case ippStsSizeErr:
-        return "ippStsSizeErr: Incorrect value for data size.";
-    case ippStsBadArgErr:
-        return "ippStsBadArgErr: Incorrect arg/param of the function.";
+    case ippStsNoErr: return "ippStsNoErr: No errors.";
+    case ippStsNullPtrErr: return "ippStsNullPtrErr: Null pointer error.";
+    case ippStsSizeErr: return "ippStsSizeErr: Incorrect value for data size.";
+    case ippStsBadArgErr: return "ippStsBadArgErr: Incorrect arg/param of the function.";
     case ippStsContextMatchErr:
         return "ippStsContextMatchErr: Context parameter does not match the operation.";
-    case ippStsMemAllocErr:
-        return "ippStsMemAllocErr: Memory allocated for the operation is not enough.";
-    case ippStsDivByZeroErr:
-        return "ippStsDivByZeroErr: An attempt to divide by zero.";
-    case ippStsDivByZero:
-        return "ippStsDivByZero: Zero value(s) for the divisor in the Div function.";
-    case ippStsToneMagnErr:
-        return "ippStsToneMagnErr: Tone magnitude is less than, or equal to zero.";
+    case ippStsMemAllocErr: return "ippStsMemAllocErr: Memory allocated for the operation is not enough.";
+    case ippStsDivByZeroErr: return "ippStsDivByZeroErr: An attempt to divide by zero.";
+    case ippStsDivByZero: return "ippStsDivByZero: Zero value(s) for the divisor in the Div function.";
+    case ippStsToneMagnErr: return "ippStsToneMagnErr: Tone magnitude is less than, or equal to zero.";
     case ippStsToneFreqErr:
         return "ippStsToneFreqErr: Tone frequency is negative, or greater than, or equal to 0.5.";
     case ippStsTonePhaseErr:
@@ -53,18 +45,12 @@ const char* ippGetStatusString(IppStatus status)
         return "ippStsSampleFactorErr: Sampling factor is less than, or equal to zero.";
     case ippStsSamplePhaseErr:
         return "ippStsSamplePhaseErr: Phase value is out of range: 0 <= phase < factor.";
-    case ippStsFIRLenErr:
-        return "ippStsFIRLenErr: Length of a FIR filter is less than, or equal to zero.";
-    case ippStsIIROrderErr:
-        return "ippStsIIROrderErr: Order of an IIR filter is not valid.";
-    case ippStsFftFlagErr:
-        return "ippStsFftFlagErr: Invalid value for the FFT flag parameter.";
-    case ippStsFftOrderErr:
-        return "ippStsFftOrderErr: Invalid value for the FFT order parameter.";
-    case ippStsThresholdErr:
-        return "ippStsThresholdErr: Invalid threshold bounds.";
-    default:
-        return "ippStsUnknownStatusCodeErr: Unknown status code.";
+    case ippStsFIRLenErr: return "ippStsFIRLenErr: Length of a FIR filter is less than, or equal to zero.";
+    case ippStsIIROrderErr: return "ippStsIIROrderErr: Order of an IIR filter is not valid.";
+    case ippStsFftFlagErr: return "ippStsFftFlagErr: Invalid value for the FFT flag parameter.";
+    case ippStsFftOrderErr: return "ippStsFftOrderErr: Invalid value for the FFT order parameter.";
+    case ippStsThresholdErr: return "ippStsThresholdErr: Invalid threshold bounds.";
+    default: return "ippStsUnknownStatusCodeErr: Unknown status code.";
     }
 }
 

@@ -16,8 +16,7 @@ constexpr float maximumGainAtCutoff = 48.0f;
 
 using PassEvaluation = Signal32 (*)(const std::vector<float>&, float, float, float);
 
-/** The magnitude response over r, the frequency's distance from the cut-off towards the stop band as a ratio.
- */
+/** The magnitude response over r, the frequency's distance from the cut-off towards the stop band as a ratio. */
 class PassResponse
 {
 public:

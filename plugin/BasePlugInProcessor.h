@@ -15,8 +15,8 @@
     editor. See product/AmbrelAudioProcessor.h.
 
     Threads: processBlock on the audio thread; parameters, state and programs from any thread a host likes;
-   all else on the message thread. No lock is taken here: the engine guards itself. A host must not prepare
-   while it processes.
+    all else on the message thread. No lock is taken here: the engine guards itself. A host must not prepare
+    while it processes.
 */
 #pragma once
 
@@ -34,8 +34,7 @@
 class BasePlugInProcessor : public juce::AudioProcessor
 {
 public:
-    /** Hears of parameter changes. May be called on any thread, so it must be cheap and touch no component.
-     */
+    /** Hears of parameter changes. May be called on any thread, so it must be cheap and touch no component. */
     class Listener
     {
     public:
@@ -164,7 +163,7 @@ public:
     int getCurrentProgram() override;
 
     /** Loads a preset, with an undo state before it. Ignored within 200 ms of a state restore: some hosts
-       send the program number behind the state and would overwrite it. */
+        send the program number behind the state and would overwrite it. */
     void setCurrentProgram(int index) override;
     const juce::String getProgramName(int index) override;
 

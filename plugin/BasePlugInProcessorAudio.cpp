@@ -96,7 +96,7 @@ void BasePlugInProcessor::internalProcess(juce::AudioBuffer<float>& buffer, bool
 }
 
 /** A change of the lead alone is not reported to the host while it plays: what it has compensated so far
-   stays in force until the next preparation. */
+    stays in force until the next preparation. */
 void BasePlugInProcessor::takeUpLatency(bool preparing)
 {
     const auto info = baseProcessor->getProcessingInfo();

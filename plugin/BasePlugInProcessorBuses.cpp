@@ -8,7 +8,7 @@ using vesk::audio::SpeakerPosition;
 namespace
 {
 /** Short names in the order in which they are compared. The positions are this plug-in family's own
-   convention
+    convention
     ("S", "Cs" and "Tfc" do not lie where the names suggest): engines and saved sessions rely on it. */
 struct NamedSpeaker
 {

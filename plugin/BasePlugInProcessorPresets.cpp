@@ -54,7 +54,7 @@ void BasePlugInProcessor::updatePresetTree()
 }
 
 /** The files of the folder, then one level of subfolders. Subfolders stand before files in the tree, yet
-   their presets have the higher numbers. */
+    their presets have the higher numbers. */
 void BasePlugInProcessor::loadPresetDirectory(juce::ValueTree& folderNode, const juce::File& folder,
                                               int& nextIndex)
 {

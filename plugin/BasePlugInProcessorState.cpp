@@ -1,7 +1,7 @@
 /** The two lasting forms of the settings.
 
     State block, stored by hosts and kept for undo; little-endian on every platform that the plug-in is built
-   for:
+    for:
 
         0       4  magic, "KSEV"
         4       4  plug-in code
@@ -15,8 +15,8 @@
     Marker and name may be missing.
 
     Preset file: XML, <Preset><ParameterSettings><Parameter id unit value
-   name/>...</ParameterSettings></Preset>. Written are the described parameters; read are all that the engine
-   has, so factory presets can set all. */
+    name/>...</ParameterSettings></Preset>. Written are the described parameters; read are all that the engine
+    has, so factory presets can set all. */
 #include "plugin/BasePlugInProcessor.h"
 
 #include <stdexcept>

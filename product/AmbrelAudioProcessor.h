@@ -33,7 +33,7 @@ public:
     };
 
     /** x = wet gain, linear. Setting writes wetGain = 20 lg x dB and dryGain = 20 lg (1 - x) dB, which is a
-       linear crossfade of amplitudes. */
+        linear crossfade of amplitudes. */
     class ReverbMixParameterDescription : public ParameterDescription
     {
     public:

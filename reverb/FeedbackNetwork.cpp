@@ -29,8 +29,7 @@ constexpr float matrixNormalisation = 0.25f;
 /** Within this many percent of equal reverb times the shelf does nothing worth its cost. */
 constexpr float shelfTolerance = 1.0f;
 
-/** The share of the input that stays in its channel, and the share that is swapped along with the feedback.
- */
+/** The share of the input that stays in its channel, and the share that is swapped along with the feedback. */
 constexpr float ownShare = 0.65f;
 constexpr float crossShare = 0.35f;
 
@@ -218,8 +217,8 @@ void FeedbackNetwork::applyShelf(IirFilter64& shelf, int channel, float* frame, 
 }
 
 /** The fast Hadamard transform across the lines, unnormalised. Neighbouring lines lie next to each other, so
-   each butterfly of h lines is one addition and one subtraction of long arrays, from one buffer into the
-   other. */
+    each butterfly of h lines is one addition and one subtraction of long arrays, from one buffer into the
+    other. */
 void FeedbackNetwork::mixLines(int length)
 {
     const int stride = numChannels * length;

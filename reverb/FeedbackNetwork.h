@@ -1,6 +1,6 @@
 /**
     The late tail: a feedback delay network of 16 lines, joined by a Hadamard matrix (J.-M. Jot and A.
-   Chaigne, "Digital delay networks for designing artificial reverberators", 1991).
+    Chaigne, "Digital delay networks for designing artificial reverberators", 1991).
 
                      +-----------------------------------------------------------------------+
                      |                                                                       |
@@ -9,20 +9,20 @@
                                                                                    +--> line 15: output
 
     Every signal is 1, 2 or 4 channels wide: mono, left and right, or the four corners of a square (front
-   left, front right, rear left, rear right). On its way back each line exchanges its channels, so a sound
-   moves from side to side with every pass, and with four channels on the even lines between front and rear.
+    left, front right, rear left, rear right). On its way back each line exchanges its channels, so a sound
+    moves from side to side with every pass, and with four channels on the even lines between front and rear.
 
     Decay. A line of delay t must lose 60 dB t / T for a reverb time of T seconds. Its broadband gain is that
-   of the low-frequency time, and a high shelf makes up the difference above the crossover; without a
-   difference the shelf rests. A one-pole low-pass adds the faster decay of high frequencies. The matrix is
-   orthogonal once its norm of 4 has been taken out, which the line gains do, so these three alone decide the
-   decay.
+    of the low-frequency time, and a high shelf makes up the difference above the crossover; without a
+    difference the shelf rests. A one-pole low-pass adds the faster decay of high frequencies. The matrix is
+    orthogonal once its norm of 4 has been taken out, which the line gains do, so these three alone decide the
+    decay.
 
     Frames. Each line is a ring whose length is its delay: what is read at the ring's position is one delay
-   old, and the feedback goes back to the same place. Nothing that is written in a frame is read again before
-   the shortest line has gone round, so whole frames up to that length are computed with vector operations.
-   Frames are cut shorter still, so that a frame of all lines stays in the processor's first-level cache. The
-   cut does not change the result.
+    old, and the feedback goes back to the same place. Nothing that is written in a frame is read again before
+    the shortest line has gone round, so whole frames up to that length are computed with vector operations.
+    Frames are cut shorter still, so that a frame of all lines stays in the processor's first-level cache. The
+    cut does not change the result.
 
         FeedbackNetwork network;
         network.setLines(2, 48000.0, 30.0f);                  // stereo
@@ -31,7 +31,7 @@
         Signal32 tail = network.process(block);               // any length
 
     Cost: for each sample and channel 16 one-pole filters, 64 additions of the matrix, and 16 second-order
-   filters if the shelf runs. process allocates its result alone. Thread: one at a time.
+    filters if the shelf runs. process allocates its result alone. Thread: one at a time.
 */
 #pragma once
 
@@ -91,7 +91,7 @@ private:
         std::array<Ring, maxChannels> rings;
         float gain = 0.0f; ///< with the matrix's normalisation of 1/4
         /** In double precision: far below the sample rate the poles crowd at 1, and in single precision
-           rounding alone can raise the loop's gain above 1 (a crossover of 50 Hz at 192 kHz does it). */
+            rounding alone can raise the loop's gain above 1 (a crossover of 50 Hz at 192 kHz does it). */
         IirFilter64 shelf;
         IirFilter32 damping;
     };

@@ -1,10 +1,10 @@
 /**
     The engine's parameters in one constant table: what each is called, its unit, range and default, and what
-   a change of it sets off. The engine itself reads it, and so do tools, documentation and tests.
+    a change of it sets off. The engine itself reads it, and so do tools, documentation and tests.
 
         const ParameterInfo& info = parameterTable[Reverberation::reverbTime];
         std::cout << info.name << ": " << info.minimum << " to " << info.maximum << ' ' <<
-   getUnitText(info.unit);
+    getUnitText(info.unit);
 */
 #pragma once
 

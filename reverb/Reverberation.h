@@ -2,15 +2,17 @@
     The reverb engine: one BaseAudioProcessor with 26 parameters.
 
     The late tail is a feedback delay network of 16 lines (FeedbackNetwork.h), not a convolution; only the
-   early reflections and the tone of the tail are impulse responses. One block takes this road:
+    early reflections and the tone of the tail are impulse responses. One block takes this road:
 
-        input --+-- early reflections (FirFilter, one response for each pair of output and input)
-   ------------+ | |
-                +-- [down-mix] -- network -- modulated delay -- [up-mix] -- post-processor (FirFilter) --- sum
-   --+ |                                                                                              | |
-   pre-delay -- stereo spread -- wet gain --+          |
-                +-- [channel conversion] -- dry gain -------------------------------------------- sum --
-   output
+        input --+-- early reflections (FirFilter) ---------------------------------------------+
+                |                                                                              |
+                +-- [down-mix] -- network -- modulated delay -- [up-mix] -- post-processor -- sum
+                |                                                             (FirFilter)      |
+                |                                      +---------------------------------------+
+                |                                      |
+                |                                  pre-delay -- stereo spread -- wet gain --+
+                |                                                                           |
+                +-- [channel conversion] -- dry gain ------------------------------------- sum -- output
 
     The brackets run only if the input's and the output's layouts differ or are wider than stereo. The
     equalizer costs nothing per block: it is baked into the early responses and into the post-processor's.
@@ -23,20 +25,20 @@
         Signal32 output = reverb.process(block, false);
 
     Parameters are in natural units and clamped to their ranges; ParameterTable.h lists them. A change of a
-   gain is a ramp over the next block, a change of the pre-delay a crossfade. Line gains and filters change at
-   once, under the running tail; a change of roomSize empties the tail. The two impulse responses are rebuilt
-   by effectuateParameterChanges.
+    gain is a ramp over the next block, a change of the pre-delay a crossfade. Line gains and filters change at
+    once, under the running tail; a change of roomSize empties the tail. The two impulse responses are rebuilt
+    by effectuateParameterChanges.
 
     Once the input has been silent for twice the longer of the two reverb times (and twice the pre-delay),
-   blocks pass by all stages and cost next to nothing.
+    blocks pass by all stages and cost next to nothing.
 
     Threads: process on the audio thread; parameters may be set and read on any thread meanwhile. setFormat
-   and reset are not called beside process, and effectuateParameterChanges not on two threads at once. The
-   impulse responses are computed outside the two locks and swapped under them, so the audio thread waits for
-   the swap at most.
+    and reset are not called beside process, and effectuateParameterChanges not on two threads at once. The
+    impulse responses are computed outside the two locks and swapped under them, so the audio thread waits for
+    the swap at most.
 
     Errors: a kernel's failure is a std::runtime_error ("IPP exception: ..."); the locks are released on the
-   way.
+    way.
 */
 #pragma once
 
@@ -102,7 +104,7 @@ public:
     /** Rebuilds all stages and clears the audio state; parameters stay. Not for the audio thread: it computes
         both impulse responses.
         @returns false if the two sample rates differ; the stages then stay as they were and process must not
-       be called before a format is accepted */
+        be called before a format is accepted */
     bool setFormat(const AudioFormat& input, const AudioFormat& output) override;
 
     void getParameterRange(int index, float& low, float& high) override;
@@ -112,11 +114,11 @@ public:
 
     /** Clamps and stores; what is cheap takes effect at once.
         @param effectuateNow  whether this ends a batch: then effectuateParameterChanges follows, also if the
-       value did not change Thread: any. */
+        value did not change Thread: any. */
     void setParameterValue(int index, float value, bool effectuateNow) override;
 
     /** Rebuilds the impulse responses that parameter changes have outdated. Thread: any but the audio thread
-       for its cost, one at a time. */
+        for its cost, one at a time. */
     void effectuateParameterChanges() override;
 
     /** Clears all audio state, in the filters, delays and network. The clock of silence goes on. */

@@ -26,7 +26,7 @@ constexpr double longestPreDelay = 500.0; // ms
 constexpr float modulationSwing = 3.0f;
 
 /** Rebuilds if marked. The mark goes first, so that a change that arrives meanwhile marks anew; a rebuild
-   that fails leaves it in place. Acquire and release: who sees the mark sees the value behind it. */
+    that fails leaves it in place. Acquire and release: who sees the mark sees the value behind it. */
 template <typename Rebuild>
 void rebuildIfDirty(std::atomic<bool>& dirty, Rebuild rebuild)
 {

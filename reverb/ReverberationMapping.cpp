@@ -20,7 +20,7 @@ constexpr SpeakerPosition frontRight{1.0f, 1.0f, 0.0f, Regular, -1.0f};
 bool isSpatial(const SpeakerPosition& speaker) { return speaker.type <= Mono; }
 
 /** An equal-power panner on the square between the tail's virtual speakers: front left, front right, rear
-   left, rear right. */
+    left, rear right. */
 std::array<float, FeedbackNetwork::maxChannels> getPanningWeights(const SpeakerPosition& speaker)
 {
     const float right = (speaker.x + 1.0f) / 2.0f;

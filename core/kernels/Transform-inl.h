@@ -575,17 +575,13 @@ HWY_INLINE void forwardRealTransform(const float* src, Complex* dst, const FftTa
     switch (tables.lanes)
     {
 #if HWY_MAX_BYTES >= 64
-    case 16:
-        return forwardVector<16>(src, dst, tables, work);
+    case 16: return forwardVector<16>(src, dst, tables, work);
 #endif
 #if HWY_MAX_BYTES >= 32
-    case 8:
-        return forwardVector<8>(src, dst, tables, work);
+    case 8: return forwardVector<8>(src, dst, tables, work);
 #endif
-    case 4:
-        return forwardVector<4>(src, dst, tables, work);
-    default:
-        return forwardDirect(src, dst, tables, work);
+    case 4: return forwardVector<4>(src, dst, tables, work);
+    default: return forwardDirect(src, dst, tables, work);
     }
 }
 
@@ -594,17 +590,13 @@ HWY_INLINE void inverseRealTransform(const Complex* src, float* dst, const FftTa
     switch (tables.lanes)
     {
 #if HWY_MAX_BYTES >= 64
-    case 16:
-        return inverseVector<16>(src, dst, tables, work);
+    case 16: return inverseVector<16>(src, dst, tables, work);
 #endif
 #if HWY_MAX_BYTES >= 32
-    case 8:
-        return inverseVector<8>(src, dst, tables, work);
+    case 8: return inverseVector<8>(src, dst, tables, work);
 #endif
-    case 4:
-        return inverseVector<4>(src, dst, tables, work);
-    default:
-        return inverseDirect(src, dst, tables, work);
+    case 4: return inverseVector<4>(src, dst, tables, work);
+    default: return inverseDirect(src, dst, tables, work);
     }
 }
 

@@ -21,7 +21,7 @@ public:
     explicit GlyphOutlines(const juce::File& fontFile);
 
     /** The outline of capitals, their height in units, the letter spacing as a proportion of it. The baseline is
-       at y = 0, the leftmost ink at x = 0. */
+        at y = 0, the leftmost ink at x = 0. */
     juce::Path outline(const juce::String& capitals, float capHeight, float letterSpacing) const;
 
 private:

@@ -24,7 +24,7 @@ public:
     juce::Rectangle<float> bounds() const { return drawable->getDrawableBounds(); }
 
     /** The whole drawing at a number of pixels per unit, each side rounded to whole pixels, over a background
-       that may be transparent. */
+        that may be transparent. */
     juce::Image render(float scale, juce::Colour background) const;
 
 private:

@@ -2,7 +2,7 @@
     Carries out what the options ask for, file by file, and tells about it.
 
     Output for the user goes to standard output, progress and errors to standard error. A file that fails does
-   not keep the others from being rendered.
+    not keep the others from being rendered.
 */
 #pragma once
 

@@ -8,7 +8,7 @@ namespace ambrel::render
 {
 
 /** Lends the file's stream to a format writer, which wants to own its stream and closes it without a word:
-   what went wrong in the last bytes is asked of the real one afterwards. */
+    what went wrong in the last bytes is asked of the real one afterwards. */
 class AudioFileWriter::ForwardingStream : public juce::OutputStream
 {
 public:

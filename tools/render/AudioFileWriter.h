@@ -6,7 +6,7 @@
         file.commit();
 
     All is written to a hidden file in the same folder. commit puts that in the place of whatever has the
-   name, in one step; an object that goes away before leaves nothing behind.
+    name, in one step; an object that goes away before leaves nothing behind.
 
     Widths: 16 and 24 bits; 32 is float and for WAV only.
 */

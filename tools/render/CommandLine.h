@@ -5,7 +5,7 @@
 
     Options may stand anywhere, as "--option value" or "--option=value"; "--" ends them. One table holds each
     option's name, argument, help text and meaning, so the help always tells what the program takes. Values
-   are checked here; files are not looked at.
+    are checked here; files are not looked at.
 
     The texts are complete pages with a line end, ready to be printed.
 */

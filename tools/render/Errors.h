@@ -2,8 +2,8 @@
     What can end a run, and with which exit status.
 
     UsageError: the command line makes no sense; nothing was touched. RenderError: something outside went
-   wrong, a file that is missing, broken or cannot be written. Both carry one sentence without a full stop
-   that can stand behind "ambrel-render: ". Interrupted: the user or the system asked the program to stop.
+    wrong, a file that is missing, broken or cannot be written. Both carry one sentence without a full stop
+    that can stand behind "ambrel-render: ". Interrupted: the user or the system asked the program to stop.
 */
 #pragma once
 

@@ -1,6 +1,6 @@
 /**
     Paths as the user writes them: relative ones start from the working directory, and the extension of an
-   output file tells its kind. Plain text work, except toFile, which asks for the working directory.
+    output file tells its kind. Plain text work, except toFile, which asks for the working directory.
 */
 #pragma once
 

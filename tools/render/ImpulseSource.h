@@ -1,6 +1,6 @@
 /**
     A stereo unit impulse: one sample of 1 at the very start, in both channels or in one, and silence behind
-   it.
+    it.
 */
 #pragma once
 

@@ -2,9 +2,9 @@
     Integrated loudness of a mono or stereo programme by ITU-R BS.1770-4.
 
     Each channel goes through the K-weighting, a high shelf for the head and a high-pass; its mean square is
-   taken over blocks of 400 ms that overlap by three quarters; blocks below -70 LUFS and then those 10 LU
-   below the mean of the rest are left out. The weighting's coefficients are computed for the sample rate at
-   hand from the analogue prototypes behind the recommendation's table for 48 kHz.
+    taken over blocks of 400 ms that overlap by three quarters; blocks below -70 LUFS and then those 10 LU
+    below the mean of the rest are left out. The weighting's coefficients are computed for the sample rate at
+    hand from the analogue prototypes behind the recommendation's table for 48 kHz.
 
         LoudnessMeter meter(48000.0, 2);
         meter.add(block, 0, block.getNumSamples());

@@ -1,6 +1,6 @@
 /**
     The values that options take, from text, with their limits. Everything here raises UsageError with one
-   sentence that names the option, what was written and what would be right.
+    sentence that names the option, what was written and what would be right.
 
     Numbers are read the same way in every locale: a point, no grouping.
 */

@@ -6,8 +6,8 @@
         Renderer(plugIn.getProcessor(), ...);
 
     A fresh instance opens as it does in a host. Settings apply in a fixed order: preset, state, Character and
-   Mix, single parameters. Each file gets an instance of its own, so a render does not depend on the one
-   before it.
+    Mix, single parameters. Each file gets an instance of its own, so a render does not depend on the one
+    before it.
 
     Cost: the plug-in's construction, tens of milliseconds. Thread: one, with JUCE initialised.
 */
@@ -36,11 +36,11 @@ public:
     void apply(const Options& options);
 
     /** Lets only the room sound, at 0 dB: for impulse responses, behind the other settings but before the
-       single parameters, which may take it back. */
+        single parameters, which may take it back. */
     void applyForImpulse(const Options& options);
 
     /** The end of an output as the options ask for it. The bound is the engine's own: it falls silent for
-       good after twice its longest reverb time and twice the pre-delay. */
+        good after twice its longest reverb time and twice the pre-delay. */
     TailRule getTailRule(const Options& options) const;
 
     std::vector<std::string> getPresetNames() const;

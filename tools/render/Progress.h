@@ -1,6 +1,6 @@
 /**
     Tells on standard error how far a render has come: a bar that redraws itself on a terminal, else a plain
-   line now and then, which suits a log; nothing if told to be quiet.
+    line now and then, which suits a log; nothing if told to be quiet.
 
         Progress progress(Progress::standardErrorStyle(quiet));
         progress.start("voice.wav", expectedSamples);

@@ -2,10 +2,10 @@
     From float samples to the integers of an audio file.
 
     A sample of n bits stands for its integer value divided by 2^(n-1), so that what was read from an integer
-   file comes out as it was. 24 bits are rounded. 16 bits get triangular dither of two quantisation steps,
-   peak to peak, before they are rounded: a fading tail then ends in even noise and not in distortion
-   (Lipshitz, Wannamaker and Vanderkooy, "Quantization and dither: a theoretical survey", 1992). Digital
-   silence stays silent. The dither is the same in every run.
+    file comes out as it was. 24 bits are rounded. 16 bits get triangular dither of two quantisation steps,
+    peak to peak, before they are rounded: a fading tail then ends in even noise and not in distortion
+    (Lipshitz, Wannamaker and Vanderkooy, "Quantization and dither: a theoretical survey", 1992). Digital
+    silence stays silent. The dither is the same in every run.
 
     Cost: a few operations for each sample; no allocation.
 */

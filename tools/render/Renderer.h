@@ -1,12 +1,12 @@
 /**
     Runs a source through a processor, as a host does that bounces a track: prepare, then block after block,
-   then silence until the tail is over.
+    then silence until the tail is over.
 
         Renderer renderer(processor, 512, progress);
         RenderedAudio done = renderer.render(source, file, tailRule, "voice.wav");
 
     All blocks are of full length; what the last one holds behind the input's end already belongs to the tail.
-   The output starts with the input's first sample: the processor's latency is taken off.
+    The output starts with the input's first sample: the processor's latency is taken off.
 
     Thread: one. Stops between two blocks if the user asks for it (see Interruption.h).
 */

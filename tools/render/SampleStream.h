@@ -2,7 +2,7 @@
     The two ends of a render: where blocks come from and where they go.
 
     A source is read once, from its first sample on, in blocks of any length; behind its end it delivers
-   silence, so that the last block needs no special case. A sink takes what it is given.
+    silence, so that the last block needs no special case. A sink takes what it is given.
 
     Thread: one.
 */

@@ -2,13 +2,13 @@
     The part of an output behind the end of its input, and when it is over.
 
     The renderer goes on to feed silence and hands what comes out to a tail, which passes on what belongs to
-   the output. A fixed tail passes a given length. A trimmed tail finds the end by itself: what is audible
-   goes on to the next sink; a quiet stretch is held back until something audible follows it, and when it has
-   become longer than the hold time the tail is over and the stretch is dropped. So the output ends with the
-   last audible sample, and a pause before the first echo (a pre-delay) does not end it.
+    the output. A fixed tail passes a given length. A trimmed tail finds the end by itself: what is audible
+    goes on to the next sink; a quiet stretch is held back until something audible follows it, and when it has
+    become longer than the hold time the tail is over and the stretch is dropped. So the output ends with the
+    last audible sample, and a pause before the first echo (a pre-delay) does not end it.
 
     Audible is what lies above -100 dBFS and above -90 dB relative to the highest peak so far: quieter than
-   the noise of 16-bit audio, and hidden behind what came before.
+    the noise of 16-bit audio, and hidden behind what came before.
 
     Cost: one comparison for each sample, and the memory of a hold time.
 */
