@@ -1,7 +1,7 @@
 /**
     What all benchmarks share: seeded material, and the two figures that they report beside the time of a call.
 
-    - ns/sample: the mean time for one sample (of one channel, unless the benchmark says otherwise).
+    - per_sample: the mean processor time for one sample (of one channel, unless the benchmark says otherwise).
     - worst_us: the dearest block of a schedule, in microseconds.
 
     The cost of a block repeats: a partition of 4096 samples fires on every eighth block of 512. The meter keeps
@@ -53,12 +53,11 @@ inline Signal32 makeNoiseSignal(int channels, int samples)
     return result;
 }
 
-/** Adds ns/sample to a benchmark whose iteration works on this many samples. */
+/** Adds per_sample to a benchmark whose iteration works on this many samples. */
 inline void countSamples(benchmark::State& state, std::int64_t samples)
 {
-    constexpr double secondsPerNanosecond = 1e-9;
-    state.counters["ns/sample"] =
-        benchmark::Counter(static_cast<double>(samples) * secondsPerNanosecond,
+    state.counters["per_sample"] =
+        benchmark::Counter(static_cast<double>(samples),
                            benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
 }
 

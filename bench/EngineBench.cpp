@@ -1,5 +1,5 @@
-// The whole reverb at its default parameters, stereo at 48 kHz. ns/sample counts samples of the stream, both
-// channels in one; load_% is the share of real time.
+// The whole reverb at its default parameters, stereo at 48 kHz. per_sample counts samples of the stream, both
+// channels in one; audio_s is how many seconds of audio a second of processor time makes.
 
 #include "bench/Bench.h"
 #include "reverb/Reverberation.h"
@@ -36,10 +36,8 @@ void measureBlocks(benchmark::State& state, Reverberation& engine, const Signal3
         for (auto _ : state)
             meter.measure([&] { benchmark::DoNotOptimize(engine.process(block, bypassed).data.get()); });
     }
-    constexpr double percent = 100.0;
-    state.counters["load_%"] =
-        benchmark::Counter(block.numSamples / sampleRate / percent,
-                           benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+    state.counters["audio_s"] =
+        benchmark::Counter(block.numSamples / sampleRate, benchmark::Counter::kIsIterationInvariantRate);
 }
 
 void runProcess(benchmark::State& state)
