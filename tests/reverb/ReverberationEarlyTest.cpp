@@ -99,6 +99,7 @@ TEST(EarlyReflections, burstsRiseAndFall)
     const double top = getLevelAt(780, 840);
     EXPECT_LT(getLevelAt(600, 715), top - 40.0);
     EXPECT_NEAR(getLevelAt(720, 736), top - 20.0, 4.0);
+    EXPECT_NEAR(getLevelAt(776, 792), top - 1.0, 4.0);
     EXPECT_NEAR(getLevelAt(1080, 1160), top - 10.0, 3.0);
     EXPECT_NEAR(getLevelAt(1340, 1436), top - 19.0, 3.0);
 }

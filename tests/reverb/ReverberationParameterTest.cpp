@@ -102,21 +102,24 @@ TEST(ReverberationParameters, surviveFormatsAndResets)
 /** The dear rebuilds wait for the end of a batch, whoever ends it. */
 TEST(ReverberationParameters, responsesAreRebuiltWhenToldSo)
 {
-    const auto engine = makeEngine(2, 48000.0, wetOnly + Settings{{R::muteTail, 1.0f}});
-    const auto getEarlyEnergy = [&]
+    for (const auto mute : {R::muteTail, R::muteEarly})
     {
-        engine->reset();
-        return getEnergy(getChannel(render(*engine, makeImpulse(2, 12000, {0})), 0));
-    };
-    const double before = getEarlyEnergy();
-    engine->setParameterValue(R::highShelfGain, -12.0f, false);
-    EXPECT_DOUBLE_EQ(getEarlyEnergy(), before);
-    // No change of its own, yet it ends the batch.
-    engine->setParameterValue(R::wetGain, 0.0f, true);
-    const double after = getEarlyEnergy();
-    EXPECT_LT(after, 0.5 * before);
-    engine->setParameterValue(R::highShelfGain, 0.0f, true);
-    EXPECT_DOUBLE_EQ(getEarlyEnergy(), before);
+        const auto engine =
+            makeEngine(2, 48000.0, wetOnly + Settings{{mute, 1.0f}, {R::modulationDepth, 0.0f}});
+        const auto getWetEnergy = [&]
+        {
+            engine->reset();
+            return getEnergy(getChannel(render(*engine, makeImpulse(2, 12000, {0})), 0));
+        };
+        const double before = getWetEnergy();
+        engine->setParameterValue(R::highShelfGain, -12.0f, false);
+        EXPECT_DOUBLE_EQ(getWetEnergy(), before);
+        // No change of its own, yet it ends the batch.
+        engine->setParameterValue(R::wetGain, 0.0f, true);
+        EXPECT_LT(getWetEnergy(), 0.5 * before);
+        engine->setParameterValue(R::highShelfGain, 0.0f, true);
+        EXPECT_DOUBLE_EQ(getWetEnergy(), before);
+    }
 }
 
 /** Without channels nothing can be built; the next valid format and effectuation make up for it. */
