@@ -7,12 +7,20 @@
 
 namespace
 {
-constexpr int width = 400;
-constexpr int height = 240;
+constexpr int boxWidth = 400;
+constexpr int boxHeight = 240;
 const juce::Rectangle<float> wavesArea(48.0f, 20.0f, 352.0f, 100.0f);
 
 constexpr auto nameFontName = "Segoe UI";
 constexpr juce::uint32 buttonColour = 0xffffda73;
+
+/** The library stands in for a missing font glyph by glyph, without its metrics and its bold face. Asked for the
+    default font instead, it knows both. */
+juce::Font nameFont(float height, int style)
+{
+    return juce::Font::findAllTypefaceNames().contains(nameFontName) ? juce::Font(nameFontName, height, style)
+                                                                     : juce::Font(height, style);
+}
 
 constexpr auto notice = "Copyright Veskora. Free software under\nthe GNU GPL, version 3 or later.";
 } // namespace
@@ -34,11 +42,11 @@ AboutDialog::AboutDialog()
     noticeLabel =
         makeLabel("copyrightLabel", juce::translate(notice), juce::Font(14.0f), Justification::topLeft);
     makerLabel = makeLabel("veskoraLabel", juce::translate(vesk::companyName),
-                           juce::Font(nameFontName, 26.0f, juce::Font::bold), Justification::bottomLeft);
-    productLabel = makeLabel("veskoraLabel", juce::translate("#NAME"),
-                             juce::Font(nameFontName, 48.0f, juce::Font::plain), Justification::centredLeft);
+                           nameFont(26.0f, juce::Font::bold), Justification::bottomLeft);
+    productLabel = makeLabel("veskoraLabel", juce::translate("#NAME"), nameFont(48.0f, juce::Font::plain),
+                             Justification::centredLeft);
 
-    setSize(width, height);
+    setSize(boxWidth, boxHeight);
 
     theme = std::make_unique<SteelTheme>();
     setLookAndFeel(theme.get());

@@ -56,16 +56,30 @@ BasePluginEditor::BasePluginEditor(BasePlugInProcessor* plugInProcessor)
     tooltipWindow = std::make_unique<juce::TooltipWindow>(this, tooltipDelayMilliseconds);
     BasePluginEditor::setTheme(static_cast<ThemeId>(plugIn->settings->getIntValue(themeKey, darkTheme)));
     updatePresetMenu();
+
+    if (plugIn->wrapperType == juce::AudioProcessor::wrapperType_Standalone)
+    {
+        setWantsKeyboardFocus(true);
+        juce::Desktop::getInstance().addFocusChangeListener(this);
+    }
 }
 
 BasePluginEditor::~BasePluginEditor()
 {
+    juce::Desktop::getInstance().removeFocusChangeListener(this);
     setLookAndFeel(nullptr);
 #if JUCE_MAC
     openGlContext.detach();
 #endif
     presetMenu.setLookAndFeel(nullptr);
     tooltipWindow.reset();
+}
+
+/** A window that has the keyboard itself does not lead it on to its controls. */
+void BasePluginEditor::globalFocusChanged(juce::Component* focused)
+{
+    if (focused != nullptr && focused != this && focused == getTopLevelComponent())
+        grabKeyboardFocus();
 }
 
 int BasePluginEditor::getControlParameterIndex(juce::Component& control)

@@ -6,6 +6,9 @@
     The theme is what the settings say ("ThemeId"). A product with a look of its own replaces it by
     adoptTheme().
 
+    In a host the keyboard stays with the host. In the stand-alone program, which has nobody else to give it to,
+    the editor takes it whenever the window gets it, so that the tab key leads to the controls.
+
     Thread: message thread.
 */
 #pragma once
@@ -19,7 +22,7 @@
 
 #include <memory>
 
-class BasePluginEditor : public juce::AudioProcessorEditor
+class BasePluginEditor : public juce::AudioProcessorEditor, private juce::FocusChangeListener
 {
 public:
     /** Any other value, as a settings file may hold, is the dark theme. */
@@ -77,6 +80,7 @@ protected:
 
 private:
     void importPreset(const juce::File& file);
+    void globalFocusChanged(juce::Component* focused) override;
 
 #if JUCE_MAC
     juce::OpenGLContext openGlContext;

@@ -16,14 +16,15 @@
 
 #include <juce_gui_basics/juce_gui_basics.h>
 
-class KeyboardSteps : private juce::KeyListener
+class KeyboardSteps : public juce::KeyListener
 {
 public:
     explicit KeyboardSteps(juce::Slider& controlledSlider);
     ~KeyboardSteps() override;
 
-private:
     bool keyPressed(const juce::KeyPress& key, juce::Component* origin) override;
+
+private:
     void moveTo(double value);
 
     juce::Slider& slider;

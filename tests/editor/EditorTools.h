@@ -1,0 +1,128 @@
+/** What the editor's tests do over and over: messages, the mouse, children by name, and pixels. */
+#pragma once
+
+#include "product/AmbrelAudioProcessor.h"
+#include "product/AmbrelAudioProcessorEditor.h"
+#include "tests/plugin/TestPlugIn.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <utility>
+#include <vector>
+
+/** Delivers what is waiting in the message queue, and what comes in within this time. */
+inline void runMessages(int milliseconds = 5)
+{
+    juce::MessageManager::getInstance()->runDispatchLoopUntil(milliseconds);
+}
+
+template <typename ComponentType>
+ComponentType& findChild(juce::Component& parent, const juce::String& name)
+{
+    for (auto* child : parent.getChildren())
+        if (auto* found = dynamic_cast<ComponentType*>(child); found != nullptr && child->getName() == name)
+            return *found;
+    throw std::runtime_error("No child " + name.toStdString());
+}
+
+template <typename ComponentType>
+ComponentType& findChild(juce::Component& parent)
+{
+    for (auto* child : parent.getChildren())
+        if (auto* found = dynamic_cast<ComponentType*>(child))
+            return *found;
+    throw std::runtime_error("No child of this class");
+}
+
+inline void click(juce::Button& button)
+{
+    button.triggerClick();
+    runMessages();
+}
+
+inline juce::MouseEvent mouseEvent(juce::Component& component, juce::Point<float> position, int modifiers)
+{
+    const auto now = juce::Time::getCurrentTime();
+    return {juce::Desktop::getInstance().getMainMouseSource(),
+            position,
+            juce::ModifierKeys(modifiers),
+            juce::MouseInputSource::defaultPressure,
+            juce::MouseInputSource::defaultOrientation,
+            juce::MouseInputSource::defaultRotation,
+            juce::MouseInputSource::defaultTiltX,
+            juce::MouseInputSource::defaultTiltY,
+            &component,
+            &component,
+            now,
+            position,
+            now,
+            1,
+            false};
+}
+
+/** Items of a menu as text, one a line: id, text, and marks: [x] ticked, [-] greyed, [#] header, [>] sub-menu. */
+inline juce::String describe(const juce::PopupMenu& menu, const juce::String& indent = {})
+{
+    juce::String text;
+    for (juce::PopupMenu::MenuItemIterator iterator(menu); iterator.next();)
+    {
+        const auto& item = iterator.getItem();
+        if (item.isSeparator)
+            text << indent << "----\n";
+        else if (item.isSectionHeader)
+            text << indent << "[#] " << item.text << "\n";
+        else if (item.subMenu != nullptr)
+            text << indent << "[>] " << item.text << "\n" << describe(*item.subMenu, indent + "  ");
+        else
+            text << indent << item.itemID << " " << item.text << (item.isTicked ? " [x]" : "")
+                 << (item.isEnabled ? "" : " [-]") << "\n";
+    }
+    return text;
+}
+
+/** Largest difference of two colours in any channel, alpha left out. */
+inline int difference(juce::Colour a, juce::Colour b)
+{
+    return juce::jmax(std::abs(a.getRed() - b.getRed()), std::abs(a.getGreen() - b.getGreen()),
+                      std::abs(a.getBlue() - b.getBlue()));
+}
+
+/** Number of pixels of an area that are darker than half of white. */
+inline int countDark(const juce::Image& picture, juce::Rectangle<int> area)
+{
+    int dark = 0;
+    for (int y = area.getY(); y < area.getBottom(); ++y)
+        for (int x = area.getX(); x < area.getRight(); ++x)
+            dark += picture.getPixelAt(x, y).getPerceivedBrightness() < 0.5f ? 1 : 0;
+    return dark;
+}
+
+/** The product with presets of its own in folders that go away with it. */
+class AmbrelWithPresets : public AmbrelAudioProcessor
+{
+public:
+    AmbrelWithPresets()
+    {
+        factoryPresetFolder = factory.folder;
+        userPresetFolder = user.folder;
+    }
+
+    /** Adds a factory preset that sets parameters of the engine. */
+    void addPreset(const juce::String& name, const std::vector<std::pair<int, double>>& values)
+    {
+        juce::String text;
+        for (const auto& [id, value] : values)
+            text << "<Parameter id=\"" << id << "\" value=\"" << value << "\"/>";
+        factory.write(name + ".xml", presetText(text));
+        updatePresetTree();
+    }
+
+    float engineValue(int parameter) { return getBaseProcessor()->getParameterValue(parameter); }
+
+    using BasePlugInProcessor::alternateSettings;
+    using BasePlugInProcessor::redoStates;
+    using BasePlugInProcessor::undoStates;
+
+    TemporaryFolder factory, user;
+};

@@ -1,0 +1,500 @@
+#include "core/MathEx.h"
+#include "editor/themes/ReverbTheme.h"
+#include "tests/editor/EditorTools.h"
+
+#include <atomic>
+#include <random>
+#include <thread>
+
+using vesk::audio::Reverberation;
+
+namespace
+{
+const juce::Colour orange(0xffd27900);
+
+class WindowTest : public ::testing::Test
+{
+protected:
+    WindowTest() { open(); }
+
+    void open()
+    {
+        window.reset();
+        window = std::make_unique<AmbrelAudioProcessorEditor>(&processor);
+        header = &findChild<PlugInEditorHeader>(*window);
+        knob = &findChild<ParameterSlider>(*window, "reverbTimeSlider");
+        fader = &findChild<juce::Slider>(*window, "reverbMixSlider");
+    }
+
+    /** What the timer does, and the notifications that follow. */
+    void tick()
+    {
+        window->timerCallback();
+        runMessages();
+    }
+
+    void pressHeader(const juce::String& name)
+    {
+        click(findChild<juce::Button>(*header, name));
+        tick();
+    }
+
+    juce::Image picture() { return window->createComponentSnapshot(window->getLocalBounds()); }
+
+    AmbrelWithPresets processor;
+    std::unique_ptr<AmbrelAudioProcessorEditor> window;
+    PlugInEditorHeader* header = nullptr;
+    ParameterSlider* knob = nullptr;
+    juce::Slider* fader = nullptr;
+};
+} // namespace
+
+TEST_F(WindowTest, controlsLieWhereTheyShould)
+{
+    EXPECT_EQ(window->getBounds(), juce::Rectangle<int>(640, 480));
+    EXPECT_FALSE(window->isResizable());
+    EXPECT_EQ(header->getBounds(), juce::Rectangle<int>(0, 0, 640, 56));
+    EXPECT_EQ(knob->getBounds(), juce::Rectangle<int>(0, 168, 640, 280));
+    EXPECT_EQ(fader->getBounds(), juce::Rectangle<int>(64, 445, 504, 32));
+
+    EXPECT_EQ(knob->getRange(), juce::Range<double>(0.5, 8.0));
+    EXPECT_EQ(knob->getInterval(), 0.01);
+    EXPECT_EQ(knob->getSkewFactor(), 0.5);
+    EXPECT_EQ(fader->getRange(), juce::Range<double>(0.0, 100.0));
+    EXPECT_EQ(fader->getInterval(), 0.0);
+
+    // The tab key goes through the header and on to the two controls, each of which can be read out.
+    auto traverser = window->createKeyboardFocusTraverser();
+    const auto order = traverser->getAllComponents(window.get());
+    ASSERT_EQ(order.size(), 12u);
+    EXPECT_EQ(order[10], knob);
+    EXPECT_EQ(order[11], fader);
+    knob->setValue(2.0, juce::dontSendNotification);
+    fader->setValue(33.3, juce::dontSendNotification);
+    EXPECT_EQ(knob->getTitle() + " " + knob->getTextFromValue(knob->getValue()), "Reverb character 25 %");
+    EXPECT_EQ(fader->getTitle() + " " + fader->getTextFromValue(fader->getValue()), "Reverb mix 33 %");
+    for (auto* slider : {static_cast<juce::Slider*>(knob), fader})
+    {
+        EXPECT_TRUE(slider->getTooltip().isNotEmpty());
+        EXPECT_EQ(window->getControlParameterIndex(*slider), -1);
+    }
+}
+
+TEST_F(WindowTest, movingAControlSetsItsPairOfEngineParameters)
+{
+    for (const double seconds : {0.5, 1.0, 2.37, 8.0})
+    {
+        knob->setValue(seconds, juce::sendNotificationSync);
+        EXPECT_FLOAT_EQ(processor.engineValue(Reverberation::reverbTime), static_cast<float>(seconds));
+        EXPECT_NEAR(processor.engineValue(Reverberation::lowPassFrequency), 500.0 / (seconds / 8.0 + 0.05),
+                    0.01);
+        tick();
+        EXPECT_DOUBLE_EQ(knob->getValue(), seconds);
+    }
+    for (const double mix : {12.5, 50.0, 90.0})
+    {
+        fader->setValue(mix, juce::sendNotificationSync);
+        EXPECT_NEAR(processor.engineValue(Reverberation::wetGain), 20.0 * std::log10(mix / 100.0), 1.0e-4);
+        EXPECT_NEAR(processor.engineValue(Reverberation::dryGain), 20.0 * std::log10(1.0 - mix / 100.0),
+                    1.0e-4);
+        tick();
+        EXPECT_NEAR(fader->getValue(), mix, 1.0e-4);
+    }
+
+    // All dry: the engine's least gain is not zero, and that is what shows afterwards.
+    fader->setValue(0.0, juce::sendNotificationSync);
+    EXPECT_EQ(processor.engineValue(Reverberation::wetGain), -48.0f);
+    tick();
+    EXPECT_NEAR(fader->getValue(), 100.0 * std::pow(10.0, -48.0 / 20.0), 1.0e-4);
+    EXPECT_EQ(processor.engineValue(Reverberation::dryGain), 0.0f);
+}
+
+TEST_F(WindowTest, changesFromTheHostShowAtTheNextTickAndPassThere)
+{
+    std::thread([this] { processor.setParameter(0, 0.5f); }).join();
+    processor.setParameter(1, 0.25f);
+    EXPECT_NE(knob->getValue(), 4.0);
+
+    // The window's own timer, in its own time.
+    for (int i = 0; i < 200 && knob->getValue() != 4.0; ++i)
+        runMessages(20);
+    EXPECT_EQ(knob->getValue(), 4.0);
+    EXPECT_NEAR(fader->getValue(), 25.0, 1.0e-4);
+}
+
+TEST_F(WindowTest, showingAParameterWritesBackOnlyWhatCannotBeShown)
+{
+    constexpr float own = 7777.0f; // what a preset has set beside the macro
+    struct Row
+    {
+        float reverbTime;
+        double shown;
+        bool isWrittenBack;
+    };
+    const Row rows[] = {{2.37f, 2.37, false}, {8.0f, 8.0, false},   {0.5f, 0.5, false}, {3.14f, 3.14, false},
+                        {0.1f, 0.5, true},    {2.374f, 2.37, true}, {20.0f, 8.0, false}};
+
+    auto engine = processor.getBaseProcessor();
+    for (const auto& row : rows)
+    {
+        knob->setValue(5.0, juce::sendNotificationSync);
+        runMessages();
+        engine->setParameterValue(Reverberation::reverbTime, row.reverbTime, false);
+        engine->setParameterValue(Reverberation::lowPassFrequency, own, true);
+        window->updateParameterControls();
+        runMessages();
+
+        EXPECT_DOUBLE_EQ(knob->getValue(), row.shown);
+        const auto expected = row.isWrittenBack ? static_cast<float>(row.shown) : row.reverbTime;
+        EXPECT_FLOAT_EQ(processor.engineValue(Reverberation::reverbTime), expected) << row.reverbTime;
+        EXPECT_EQ(processor.engineValue(Reverberation::lowPassFrequency) != own, row.isWrittenBack)
+            << row.reverbTime;
+    }
+
+    // What changes again before the notification arrives is not overwritten, and shows at the next tick.
+    engine->setParameterValue(Reverberation::reverbTime, 0.2f, false);
+    window->updateParameterControls();
+    processor.setParameter(0, 0.75f);
+    runMessages();
+    EXPECT_EQ(processor.engineValue(Reverberation::reverbTime), 6.0f);
+    tick();
+    EXPECT_EQ(knob->getValue(), 6.0);
+
+    // The user's own move counts even if it goes to where the control was before.
+    engine->setParameterValue(Reverberation::lowPassFrequency, own, true);
+    knob->setValue(5.0, juce::sendNotificationSync);
+    knob->setValue(6.0, juce::sendNotificationSync);
+    EXPECT_NE(processor.engineValue(Reverberation::lowPassFrequency), own);
+}
+
+TEST_F(WindowTest, openingLeavesEveryEngineParameterAlone)
+{
+    std::mt19937 random(11);
+    auto engine = processor.getBaseProcessor();
+    for (int round = 0; round < 20; ++round)
+    {
+        window.reset();
+        std::vector<float> before;
+        for (int parameter = 0; parameter < Reverberation::numParameters; ++parameter)
+        {
+            float low = 0.0f, high = 0.0f;
+            engine->getParameterRange(parameter, low, high);
+            auto value = std::uniform_real_distribution<float>(low, high)(random);
+            if (parameter == Reverberation::reverbTime)
+                value =
+                    0.5f + 0.01f * std::round(std::uniform_real_distribution<float>(0.0f, 750.0f)(random));
+            if (parameter == Reverberation::wetGain)
+                value = std::min(value, 0.0f);
+            engine->setParameterValue(parameter, value, false);
+            before.push_back(engine->getParameterValue(parameter));
+        }
+        open();
+        tick();
+        tick();
+        for (int parameter = 0; parameter < Reverberation::numParameters; ++parameter)
+            EXPECT_EQ(engine->getParameterValue(parameter), before[static_cast<std::size_t>(parameter)])
+                << parameter;
+    }
+}
+
+TEST_F(WindowTest, timerPutsDeferredChangesIntoForce)
+{
+    processor.setPlayConfigDetails(2, 2, 48000.0, 512);
+    processor.prepareToPlay(48000.0, 512);
+
+    // With the window as the active editor the engine waits for it.
+    const auto tail = [this]
+    {
+        juce::AudioBuffer<float> buffer(2, 512);
+        juce::MidiBuffer midi;
+        float energy = 0.0f;
+        processor.getBaseProcessor()->reset();
+        for (int block = 0; block < 8; ++block)
+        {
+            buffer.clear();
+            buffer.setSample(0, 0, block == 0 ? 1.0f : 0.0f);
+            processor.processBlock(buffer, midi);
+            energy += buffer.getRMSLevel(1, 0, 512);
+        }
+        return energy;
+    };
+    auto engine = processor.getBaseProcessor();
+    engine->setParameterValue(Reverberation::earlyLevel, 0.0f, true);
+    const auto loud = tail();
+    engine->setParameterValue(Reverberation::earlyLevel, -48.0f, false);
+    EXPECT_NEAR(tail(), loud, 0.03f * loud) << "the tail is modulated";
+    tick();
+    EXPECT_LT(tail(), 0.9f * loud);
+}
+
+TEST_F(WindowTest, headersButtonsMoveTheControls)
+{
+    processor.addPreset("First", {{Reverberation::reverbTime, 1.0}, {Reverberation::wetGain, -6.0}});
+    processor.addPreset("Second", {{Reverberation::reverbTime, 3.0}, {Reverberation::wetGain, -12.0}});
+    const auto name = [&] { return findChild<juce::Button>(*header, "currentPresetButton").getButtonText(); };
+
+    BasePluginEditor::plugInMenuCallback(8448, window.get());
+    tick();
+    EXPECT_EQ(name(), "First");
+    EXPECT_DOUBLE_EQ(knob->getValue(), 1.0);
+    EXPECT_NEAR(fader->getValue(), 100.0 * vesk::MathEx::fromDecibel(-6.0f), 1.0e-3);
+
+    pressHeader("nextPresetButton");
+    EXPECT_EQ(name(), "Second");
+    EXPECT_DOUBLE_EQ(knob->getValue(), 3.0);
+
+    pressHeader("undoButton");
+    EXPECT_EQ(name(), "First");
+    EXPECT_DOUBLE_EQ(knob->getValue(), 1.0);
+    pressHeader("redoButton");
+    EXPECT_EQ(name(), "Second");
+
+    pressHeader("copyButton");
+    pressHeader("previousPresetButton");
+    EXPECT_EQ(name(), "First");
+    pressHeader("bSettingsButton");
+    EXPECT_EQ(name(), "Second");
+    EXPECT_DOUBLE_EQ(knob->getValue(), 3.0);
+    pressHeader("aSettingsButton");
+    EXPECT_DOUBLE_EQ(knob->getValue(), 1.0);
+
+    // A drag makes one undo state, when it starts.
+    const auto states = processor.undoStates.size();
+    for (auto* slider : {static_cast<juce::Slider*>(knob), fader})
+    {
+        slider->mouseDown(mouseEvent(*slider, {20.0f, 10.0f}, juce::ModifierKeys::leftButtonModifier));
+        slider->mouseDrag(mouseEvent(*slider, {40.0f, 0.0f}, juce::ModifierKeys::leftButtonModifier));
+        slider->mouseUp(mouseEvent(*slider, {40.0f, 0.0f}, 0));
+    }
+    EXPECT_EQ(processor.undoStates.size(), states + 2);
+    pressHeader("undoButton");
+    pressHeader("undoButton");
+    EXPECT_DOUBLE_EQ(knob->getValue(), 1.0);
+    EXPECT_NEAR(fader->getValue(), 100.0 * vesk::MathEx::fromDecibel(-6.0f), 1.0e-3);
+}
+
+TEST_F(WindowTest, menusAreTheProducts)
+{
+    EXPECT_EQ(describe(header->getPlugInMenu()).replace("----\n----\n", "----\n"),
+              "16384 Upgrade to Veskora Quellar...\n"
+              "16385 Browse other Veskora products...\n"
+              "----\n"
+              "8193 About Veskora Ambrel...\n");
+
+    // Nothing happens for ids that are nobody's, or when the window has gone.
+    const auto states = processor.undoStates.size();
+    for (const int id : {0, 1, 8207, 8210, 8447})
+        BasePluginEditor::plugInMenuCallback(id, window.get());
+    BasePluginEditor::plugInMenuCallback(8448, nullptr);
+    EXPECT_EQ(processor.undoStates.size(), states);
+}
+
+TEST_F(WindowTest, presetFilesAreSavedAndLoaded)
+{
+    const auto file = processor.user.folder.getChildFile("My hall 1.5.xml");
+    knob->setValue(4.5, juce::sendNotificationSync);
+    window->savePresetFile(file.getFullPathName());
+    EXPECT_TRUE(describe(window->getPresetMenu()).contains("8448 My hall 1.5\n"));
+    auto& name = findChild<juce::Button>(*header, "currentPresetButton");
+    EXPECT_EQ(name.getButtonText(), "My hall 1.5");
+
+    window->savePresetFile(processor.user.folder.getChildFile("missing/Other.xml").getFullPathName());
+    EXPECT_EQ(name.getButtonText(), "My hall 1.5") << "a failed export changes nothing";
+
+    knob->setValue(1.0, juce::sendNotificationSync);
+    auto states = processor.undoStates.size();
+    window->loadPresetFile(file.getFullPathName());
+    tick();
+    EXPECT_DOUBLE_EQ(knob->getValue(), 4.5);
+    EXPECT_EQ(processor.undoStates.size(), ++states);
+
+    window->loadPresetFile(processor.user.folder.getChildFile("None.xml").getFullPathName());
+    EXPECT_EQ(processor.undoStates.size(), ++states) << "the undo state comes before the failure";
+    EXPECT_EQ(processor.engineValue(Reverberation::reverbTime), 4.5f);
+
+    const auto broken = processor.user.write("Broken.xml", presetText("<Parameter id=\"2\" value=\"1.5\"/>"
+                                                                      "<Parameter id=\"99\" value=\"1\"/>"));
+    EXPECT_NO_THROW(window->loadPresetFile(broken.getFullPathName()));
+    tick();
+    EXPECT_DOUBLE_EQ(knob->getValue(), 1.5) << "what was read shows";
+    EXPECT_EQ(name.getButtonText(), "My hall 1.5");
+    EXPECT_EQ(processor.undoStates.size(), ++states);
+    pressHeader("undoButton");
+    EXPECT_DOUBLE_EQ(knob->getValue(), 4.5);
+}
+
+TEST_F(WindowTest, oneLookWhateverTheSettingsSay)
+{
+    for (const int stored : {0, 1, 5})
+    {
+        processor.settings->setValue("ThemeId", stored);
+        open();
+        EXPECT_NE(dynamic_cast<ReverbTheme*>(&window->getLookAndFeel()), nullptr);
+        EXPECT_EQ(&juce::LookAndFeel::getDefaultLookAndFeel(), &window->getLookAndFeel());
+    }
+
+    // Two windows: closing one of them, in either order, leaves no theme that is gone.
+    AmbrelWithPresets other;
+    auto second = std::make_unique<AmbrelAudioProcessorEditor>(&other);
+    window.reset();
+    EXPECT_EQ(&juce::LookAndFeel::getDefaultLookAndFeel(), &second->getLookAndFeel());
+    second.reset();
+    EXPECT_EQ(dynamic_cast<BaseTheme*>(&juce::LookAndFeel::getDefaultLookAndFeel()), nullptr);
+}
+
+TEST_F(WindowTest, controlSurfaceHighlightsTheKnobAlone)
+{
+    const auto colour = [this] { return knob->findColour(juce::Slider::rotarySliderFillColourId); };
+    const auto mixColour = fader->findColour(juce::Slider::rotarySliderFillColourId);
+    using Info = juce::AudioProcessorEditor::ParameterControlHighlightInfo;
+
+    window->setControlHighlight(Info{0, true, juce::Colours::cyan});
+    EXPECT_EQ(colour(), juce::Colours::cyan);
+    window->setControlHighlight(Info{0, false, juce::Colours::cyan});
+    EXPECT_EQ(colour(), orange);
+    for (const int other : {-1, 1, 2, 99})
+        window->setControlHighlight(Info{other, true, juce::Colours::cyan});
+    EXPECT_EQ(colour(), orange);
+    EXPECT_EQ(fader->findColour(juce::Slider::rotarySliderFillColourId), mixColour);
+}
+
+TEST_F(WindowTest, pictureHasStripMarkKnobBandAndFader)
+{
+    const auto paleOrange = juce::Colours::white.interpolatedWith(orange, 0.7f);
+    const juce::Colour restOfRing = juce::Colours::white.interpolatedWith(juce::Colours::black, 0.1f);
+
+    for (const double position : {0.0, 0.25, 0.5, 0.75, 1.0})
+    {
+        knob->setValue(knob->proportionOfLengthToValue(position), juce::dontSendNotification);
+        fader->setValue(100.0 * position, juce::dontSendNotification);
+        const auto image = picture();
+        const auto isColour = [&](juce::Point<double> point, juce::Colour colour)
+        {
+            const auto found = image.getPixelAt(juce::roundToInt(point.x), juce::roundToInt(point.y));
+            return difference(found, colour) <= 12;
+        };
+
+        EXPECT_TRUE(isColour({110, 20}, juce::Colour(0xffdfe1db))) << "the strip between logo and title";
+        EXPECT_TRUE(isColour({20, 60}, juce::Colours::white));
+        EXPECT_LT(image.getPixelAt(20, 40).getBrightness(), image.getPixelAt(20, 44).getBrightness())
+            << "shadow";
+
+        for (const double x : {5.0, 190.0, 450.0, 635.0})
+            EXPECT_TRUE(isColour({x, 384}, orange)) << "band at " << x;
+        for (const double x : {5.0, 224.0, 416.0, 635.0})
+            EXPECT_TRUE(isColour({x, 417}, orange)) << "band at " << x;
+        EXPECT_TRUE(isColour({5, 377}, juce::Colours::white));
+        EXPECT_TRUE(isColour({5, 422}, juce::Colours::white));
+        EXPECT_TRUE(isColour({201, 385}, juce::Colours::white)) << "the notch beside the ring";
+
+        // The ring from 7 to 5 o'clock, its middle 0.95 of 138 pixels from the centre, and the pointer in it.
+        const auto parameters = knob->getRotaryParameters();
+        const auto pointOn = [&](double proportion, double radius)
+        {
+            const double angle = parameters.startAngleRadians +
+                                 proportion * (parameters.endAngleRadians - parameters.startAngleRadians);
+            return juce::Point<double>(320.0 + radius * std::sin(angle), 308.0 - radius * std::cos(angle));
+        };
+        for (double on = 0.03; on < 1.0; on += 0.05)
+        {
+            const bool isAtTheEdge = std::abs(on - position) < 0.02;
+            EXPECT_TRUE(isAtTheEdge || isColour(pointOn(on, 131.0), on < position ? paleOrange : restOfRing))
+                << on << " with the knob at " << position;
+        }
+        const auto thumb = knob->findColour(juce::Slider::thumbColourId).withMultipliedSaturation(0.9f);
+        EXPECT_TRUE(isColour(pointOn(position, 138.0 * 0.6), thumb)) << position;
+        EXPECT_FALSE(isColour(pointOn(position, 138.0 * 0.6 + 12.0), thumb)) << position;
+
+        const auto thumbX = 64.0 + static_cast<double>(fader->getPositionOfValue(fader->getValue()));
+        EXPECT_TRUE(isColour({thumbX, 461}, thumb)) << position;
+    }
+
+    const auto image = picture();
+    int markPixels = 0;
+    for (int y = 52; y < 168; ++y)
+        for (int x = 244; x < 397; ++x)
+            markPixels += difference(image.getPixelAt(x, y), orange) < 12 ? 1 : 0;
+    EXPECT_GT(markPixels, 500) << "the word mark";
+    EXPECT_GT(countDark(image, {8, 4, 83, 32}), 100) << "the maker's logo";
+    for (const auto& words :
+         {juce::Rectangle<int>(20, 390, 160, 20), juce::Rectangle<int>(470, 390, 150, 20)})
+    {
+        int white = 0;
+        for (int y = words.getY(); y < words.getBottom(); ++y)
+            for (int x = words.getX(); x < words.getRight(); ++x)
+                white += image.getPixelAt(x, y) == juce::Colours::white ? 1 : 0;
+        EXPECT_GT(white, 100) << "words in the band";
+    }
+    EXPECT_GT(countDark(image, {10, 440, 56, 24}), 60) << "DRY";
+    EXPECT_GT(countDark(image, {570, 440, 60, 24}), 60) << "WET";
+}
+
+TEST_F(WindowTest, textsAreNotCut)
+{
+    const auto image = picture();
+    const int titleWidth =
+        juce::roundToInt(juce::Font(24.0f, juce::Font::bold).getStringWidthFloat("Ambrel"));
+    auto& previous = findChild<juce::Button>(*header, "previousPresetButton");
+    EXPECT_LE(120 + titleWidth, previous.getX());
+    EXPECT_GT(countDark(image, {120 + titleWidth - 8, 4, 10, 30}), 5) << "the title's last letter";
+
+    // The shipped presets' names, and those a user would think of, in the button's font.
+    auto& name = findChild<juce::TextButton>(*header, "currentPresetButton");
+    const auto font = window->getLookAndFeel().getTextButtonFont(name, name.getHeight());
+    for (const auto* text : {"Default hall", "Reset", "Large bright chamber", "Vocal plate, short"})
+        EXPECT_LE(font.getStringWidth(text), name.getWidth() - 8) << text;
+}
+
+TEST_F(WindowTest, opensAndClosesWhileAudioRunsAndParametersChange)
+{
+    window.reset();
+    processor.setPlayConfigDetails(2, 2, 44100.0, 256);
+    processor.prepareToPlay(44100.0, 256);
+
+    std::atomic<bool> isRunning{true};
+    std::atomic<int> blocks{0};
+    std::atomic<float> loudest{0.0f};
+    std::thread audio(
+        [&]
+        {
+            std::mt19937 random(5);
+            std::uniform_real_distribution<float> noise(-0.1f, 0.1f);
+            juce::AudioBuffer<float> buffer(2, 256);
+            juce::MidiBuffer midi;
+            while (isRunning)
+            {
+                for (int channel = 0; channel < 2; ++channel)
+                    for (int sample = 0; sample < 256; ++sample)
+                        buffer.setSample(channel, sample, noise(random));
+                processor.processBlock(buffer, midi);
+                loudest = std::max(loudest.load(), buffer.getMagnitude(0, 256));
+                ++blocks;
+            }
+        });
+
+    std::mt19937 random(6);
+    std::uniform_real_distribution<float> value(0.0f, 1.0f);
+    for (int round = 0; round < 200; ++round)
+    {
+        open();
+        processor.setParameter(round % 2, value(random));
+        window->timerCallback();
+        if (round % 10 == 0)
+            runMessages(1);
+        knob->setValue(0.5 + 7.5 * value(random),
+                       juce::sendNotificationAsync); // pending when the window goes
+        window.reset();
+        processor.setParameter(1 - round % 2, value(random));
+    }
+    while (blocks < 20)
+        juce::Thread::yield();
+    isRunning = false;
+    audio.join();
+
+    EXPECT_GT(loudest.load(), 0.0f);
+    EXPECT_LT(loudest.load(), 10.0f);
+    open();
+    processor.setParameter(0, 0.5f);
+    tick();
+    EXPECT_EQ(knob->getValue(), 4.0);
+}
