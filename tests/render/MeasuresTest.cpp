@@ -188,7 +188,7 @@ TEST(EchoDensity, isOneForNoiseAndNearNoughtForSingleEchoes)
 
 TEST(Colouration, noiseIsFlatWhateverItsDecayAndResonancesAreNot)
 {
-    for (const double sampleRate : {44100.0, 48000.0, 96000.0})
+    for (const double sampleRate : {8000.0, 44100.0, 48000.0, 96000.0})
     {
         const auto length = static_cast<std::size_t>(3.0 * sampleRate);
         std::vector<float> tail = createGaussianNoise(length, 8);
@@ -198,7 +198,7 @@ TEST(Colouration, noiseIsFlatWhateverItsDecayAndResonancesAreNot)
             << sampleRate;
 
         // A ringing tone every 100 Hz.
-        for (double frequency = 250.0; frequency < 4000.0; frequency += 100.0)
+        for (double frequency = 250.0; frequency < std::min(4000.0, 0.45 * sampleRate); frequency += 100.0)
             for (std::size_t i = 0; i < length; ++i)
                 tail[i] += 0.3f * std::exp(-3.0f * static_cast<float>(i) / static_cast<float>(sampleRate)) *
                            static_cast<float>(std::sin(2.0 * std::numbers::pi * frequency *
@@ -270,9 +270,9 @@ TEST_F(RoomMeasuresTest, areThoseOfTheSyntheticRoom)
         EXPECT_NEAR(band.c80.value_or(99.0), expectedClarity(0.08, time), 30.0 * tolerance) << band.centre;
     }
 
-    EXPECT_NEAR(measures.broadband.level,
+    EXPECT_NEAR(measures.broadband.level.value_or(0.0),
                 10.0 * std::log10(energyOf(response.left) + energyOf(response.right)), 0.01);
-    EXPECT_NEAR(measures.octaves[6].level - measures.octaves[4].level, 6.0, 1.0)
+    EXPECT_NEAR(*measures.octaves[6].level - *measures.octaves[4].level, 6.0, 1.0)
         << "two octaves up, white noise";
     EXPECT_LT(measures.mixingTime.value_or(9.0), 0.02);
     EXPECT_NEAR(measures.flatness.value_or(0.0), 0.5615, 0.025);
@@ -301,7 +301,7 @@ TEST_F(RoomMeasuresTest, areReportedAsJsonAndAsATable)
 
     const std::string table = render::createReportTable(measures, room);
     for (const char* text :
-         {"Test \"room\"", "reverbTime=1.2", "63 Hz", "8 kHz", "T30", "diffuse", "Balance"})
+         {"Test \"room\"", "reverbTime=1.2", "63 Hz", "8 kHz", "T30", "Density:", "Balance:"})
         EXPECT_NE(table.find(text), std::string::npos) << text;
     EXPECT_EQ(table.find("roomSize"), std::string::npos) << "a default is not told";
 }
@@ -334,6 +334,8 @@ TEST(RoomMeasures, aSilentOrShortResponseHasNone)
     {
         const StereoResponse silent{rate, std::vector<float>(length), std::vector<float>(length)};
         const RoomMeasures measures = measureRoom(silent);
+        EXPECT_FALSE(measures.peak.has_value());
+        EXPECT_FALSE(measures.broadband.level.has_value());
         EXPECT_FALSE(measures.broadband.t30.has_value());
         EXPECT_FALSE(measures.mixingTime.has_value());
         EXPECT_FALSE(measures.flatness.has_value());

@@ -99,7 +99,7 @@ void drawWaveform(PlotPanel& panel, const std::vector<float>& samples, double sa
 void drawWaveforms(juce::Graphics& graphics, const PlotFonts& fonts, juce::Rectangle<float> bounds,
                    const StereoResponse& response, const RoomMeasures& measures, double duration)
 {
-    const double peak = std::max(1e-6, std::pow(10.0, measures.peak / 20.0)) * 1.05;
+    const double peak = std::max(1e-6, std::pow(10.0, measures.peak.value_or(0.0) / 20.0)) * 1.05;
     PlotPanel panel(graphics, fonts, bounds, "Impulse response", {0.0, duration, false, "s"},
                     {-peak, peak, false, ""});
     drawWaveform(panel, response.left, response.sampleRate, duration, leftColour);

@@ -26,6 +26,7 @@ using measures::RoomMeasures;
 // Table
 
 constexpr int columnWidth = 9;
+constexpr std::size_t textColumn = 14;
 
 std::string padded(const std::string& text)
 {
@@ -86,12 +87,12 @@ std::string settingsText(const RoomDescription& room)
             if (name == info.name && value != info.defaultValue)
                 text += (text.empty() ? "" : ", ") + name + "=" + numberText(value);
 
-    return wrapBeside("Settings:", text.empty() ? "the engine's defaults" : text, 11);
+    return wrapBeside("Settings:", text.empty() ? "the engine's defaults" : text, textColumn);
 }
 
-std::string densityLine(const RoomMeasures& measures)
+std::string densityText(const RoomMeasures& measures)
 {
-    std::string text = "Echo density: ";
+    std::string text;
 
     for (const int milliseconds : {10, 20, 50, 100, 200, 500, 1000})
     {
@@ -104,31 +105,42 @@ std::string densityLine(const RoomMeasures& measures)
 
     if (measures.mixingTime)
         return text + "diffuse (" + decimals(RoomMeasures::diffuseDensity, 1) + ") from " +
-               decimals(*measures.mixingTime * 1000.0, 0) + " ms\n";
-    return text + "never diffuse\n";
+               decimals(*measures.mixingTime * 1000.0, 0) + " ms on";
+    return text + "never diffuse";
 }
 
-std::string flatnessLine(const RoomMeasures& measures)
+std::string flatnessText(const RoomMeasures& measures)
 {
     if (!measures.flatness)
-        return "Flatness of the late spectrum: the tail is too short to tell\n";
-    return "Flatness of the late spectrum: " + decimals(*measures.flatness, 3) + " from " +
-           decimals(*measures.flatnessStart, 2) + " s on (noise: 0.56)\n";
+        return "the tail is too short to tell";
+    return decimals(*measures.flatness, 3) + " from " + decimals(*measures.flatnessStart, 2) +
+           " s on (noise: 0.56)";
 }
 
-std::string stereoLines(const RoomMeasures& measures)
+std::string correlationText(const RoomMeasures& measures)
 {
     const std::string split = decimals(RoomMeasures::correlationSplit * 1000.0, 0);
-    std::string text = "Correlation of the channels: " + decimals(measures.correlationEarly, 3) + " to " +
-                       split + " ms, " + decimals(measures.correlationLate, 3) + " from there to " +
-                       decimals(RoomMeasures::correlationEnd * 1000.0, 0) + " ms\nBalance, left over right:";
+    return decimals(measures.correlationEarly, 3) + " to " + split + " ms, " +
+           decimals(measures.correlationLate, 3) + " from " + split + " to " +
+           decimals(RoomMeasures::correlationEnd * 1000.0, 0) + " ms";
+}
 
-    for (const double difference : measures.balance)
+/** The first windows; where a tail gets long, the later ones only scatter. */
+std::string balanceText(const RoomMeasures& measures)
+{
+    constexpr std::size_t numShown = 10;
+    std::string text;
+
+    for (std::size_t i = 0; i < std::min(numShown, measures.balance.size()); ++i)
     {
-        text += difference < 0.0 ? " " : " +";
-        text += decimals(difference, 1);
+        const double shown = std::round(measures.balance[i] * 10.0) / 10.0;
+        text += shown > 0.0 ? "+" : "";
+        text += decimals(shown + 0.0, 1) + " "; // no minus sign before a nought
     }
-    return text + " dB, every " + decimals(RoomMeasures::balanceStep * 1000.0, 0) + " ms\n";
+
+    if (text.empty())
+        return "the tail is too short to tell";
+    return text + "dB left over right, every " + decimals(RoomMeasures::balanceStep * 1000.0, 0) + " ms";
 }
 
 //==============================================================================
@@ -179,7 +191,7 @@ juce::var toVar(const BandMeasures& band)
     if (band.centre > 0.0)
         object.add("centre", band.centre);
 
-    return object.add("level", rounded(band.level))
+    return object.add("level", toVar(band.level))
         .add("earlyDecayTime", toVar(band.earlyDecayTime))
         .add("t20", toVar(band.t20))
         .add("t30", toVar(band.t30))
@@ -207,11 +219,21 @@ juce::var toSettings(const RoomDescription& room)
 
 std::string createReportTable(const RoomMeasures& measures, const RoomDescription& room)
 {
-    return "Room: " + (room.preset.empty() ? std::string("no preset") : "preset '" + room.preset + "'") +
-           ", impulse from " + room.impulse + ", " + decimals(measures.sampleRate, 0) + " Hz, " +
-           decimals(measures.duration, 2) + " s, peak " + decimals(measures.peak, 1) + " dBFS\n" +
-           settingsText(room) + "\n" + bandTable(measures) + "\n" + densityLine(measures) +
-           flatnessLine(measures) + stereoLines(measures);
+    const std::string head =
+        (room.preset.empty() ? std::string("no preset") : "preset '" + room.preset + "'") +
+        ", impulse from " + room.impulse + ", " + decimals(measures.sampleRate, 0) + " Hz, " +
+        decimals(measures.duration, 2) + " s, peak " + (measures.peak ? decimals(*measures.peak, 1) : "-") +
+        " dBFS";
+
+    std::string text = wrapBeside("Room:", head, textColumn) + settingsText(room);
+    text += "\n";
+    text += bandTable(measures);
+    text += "\n";
+    text += wrapBeside("Density:", densityText(measures), textColumn);
+    text += wrapBeside("Flatness:", flatnessText(measures), textColumn);
+    text += wrapBeside("Correlation:", correlationText(measures), textColumn);
+    text += wrapBeside("Balance:", balanceText(measures), textColumn);
+    return text;
 }
 
 std::string createReportJson(const RoomMeasures& measures, const RoomDescription& room)
@@ -234,7 +256,7 @@ std::string createReportJson(const RoomMeasures& measures, const RoomDescription
                                  .add("settings", toSettings(room))
                                  .add("sampleRate", measures.sampleRate)
                                  .add("duration", rounded(measures.duration))
-                                 .add("peak", rounded(measures.peak))
+                                 .add("peak", toVar(measures.peak))
                                  .add("broadband", toVar(measures.broadband))
                                  .add("octaves", octaves)
                                  .add("mixingTime", toVar(measures.mixingTime))

@@ -25,7 +25,7 @@ int run(const std::vector<std::string>& arguments)
         const juce::ScopedJuceInitialiser_GUI juceInitialiser;
         const ExitStatus status = Application(std::move(options)).run();
 
-        if (std::fflush(stdout) != 0)
+        if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0)
             throw RenderError("standard output cannot be written");
         return status;
     }

@@ -276,6 +276,7 @@ TEST_F(Program, pagesGoToStandardOutput)
     EXPECT_EQ(help.status, 0);
     EXPECT_TRUE(help.output.starts_with("Usage: ambrel-render"));
     EXPECT_EQ(help.error, "");
+    EXPECT_EQ(run({"--help"}, {{}, 10}).status, 1) << "a page that cannot be written";
     EXPECT_EQ(run({"--version"}).output, "ambrel-render " AMBREL_VERSION "\n");
 
     const Outcome parameters = run({"--list-parameters"});

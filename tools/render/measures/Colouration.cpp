@@ -92,7 +92,9 @@ std::optional<double> measureSpectralFlatness(std::span<const float> response, d
     const auto first = static_cast<std::size_t>(std::llround(start * sampleRate));
     const std::size_t length = std::bit_ceil(static_cast<std::size_t>(shortestFrame * sampleRate));
 
-    if (first + length > response.size() || highestFrequency + envelopeHalfWidth >= sampleRate / 2.0)
+    const double highest = std::min(highestFrequency, sampleRate / 2.0 - 2.0 * envelopeHalfWidth);
+
+    if (first + length > response.size() || highest <= lowestFrequency)
         return std::nullopt;
 
     const auto frame = response.subspan(first, length);
@@ -112,7 +114,7 @@ std::optional<double> measureSpectralFlatness(std::span<const float> response, d
     double sum = 0.0;
     double count = 0.0;
 
-    for (std::size_t bin = toBin(lowestFrequency); bin <= toBin(highestFrequency); ++bin)
+    for (std::size_t bin = toBin(lowestFrequency); bin <= toBin(highest); ++bin)
     {
         const double evened = power[bin] / getEnvelope(sums, bin, halfWidth);
         logarithms += std::log(std::max(evened, 1e-30));

@@ -18,7 +18,6 @@ namespace
 {
 
 constexpr std::array octaveCentres{63.0, 125.0, 250.0, 500.0, 1000.0, 2000.0, 4000.0, 8000.0}; // Hz
-constexpr double silence = -300.0;                                                             // dB
 
 /** Levels between which lines are fitted, dB. */
 constexpr double earlyTop = 0.0;
@@ -34,9 +33,9 @@ constexpr double goneLevel = -60.0;
 /** Time for which a filter may ring behind the part of a response that was fed to it. */
 constexpr double ringTime = 0.25; // seconds
 
-double toDecibels(double energy)
+std::optional<double> toDecibels(double energy)
 {
-    return energy > 0.0 ? std::max(silence, 10.0 * std::log10(energy)) : silence;
+    return energy > 0.0 ? std::optional(10.0 * std::log10(energy)) : std::nullopt;
 }
 
 void addEnergy(std::vector<double>& energy, std::span<const float> samples)

@@ -32,8 +32,8 @@ struct StereoResponse
 /** The decay in one octave, or in all. */
 struct BandMeasures
 {
-    double centre = 0.0; ///< Hz; 0 for broadband
-    double level = 0.0; ///< energy of the response, dB: the band's gain for steady noise, sum of the channels
+    double centre = 0.0;                  ///< Hz; 0 for broadband
+    std::optional<double> level;          ///< energy of both channels, dB: the gain for steady noise
     std::optional<double> earlyDecayTime; ///< seconds, as the two below
     std::optional<double> t20;
     std::optional<double> t30;
@@ -52,9 +52,9 @@ struct RoomMeasures
     static constexpr double correlationSplit = 0.08; ///< seconds, end of the early part
     static constexpr double correlationEnd = 0.75;   ///< seconds, end of the late part
 
-    double sampleRate = 0.0; ///< Hz
-    double duration = 0.0;   ///< seconds
-    double peak = 0.0;       ///< dBFS
+    double sampleRate = 0.0;    ///< Hz
+    double duration = 0.0;      ///< seconds
+    std::optional<double> peak; ///< dBFS
     BandMeasures broadband;
     std::vector<BandMeasures> octaves; ///< 63 Hz to 8 kHz, as far as the sample rate reaches
 
