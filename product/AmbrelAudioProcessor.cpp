@@ -1,6 +1,7 @@
 #include "product/AmbrelAudioProcessor.h"
 
 #include "core/MathEx.h"
+#include "product/AmbrelAudioProcessorEditor.h"
 #include "product/AmbrelConstants.h"
 #include "reverb/Reverberation.h"
 
@@ -56,7 +57,7 @@ bool AmbrelAudioProcessor::isBusesLayoutSupported(const BusesLayout& layouts) co
 
 juce::AudioProcessorEditor* AmbrelAudioProcessor::createEditor()
 {
-    return new juce::GenericAudioProcessorEditor(*this);
+    return new AmbrelAudioProcessorEditor(this);
 }
 
 bool AmbrelAudioProcessor::hasEditor() const { return true; }

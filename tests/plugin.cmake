@@ -7,6 +7,7 @@ ambrel_target(ambrel_plugin_tests)
 target_link_libraries(ambrel_plugin_tests PRIVATE ambrel_render_lib ambrel_plugin GTest::gtest)
 add_dependencies(ambrel_plugin_tests ambrel_resources)
 gtest_discover_tests(ambrel_plugin_tests DISCOVERY_MODE PRE_TEST)
+add_subdirectory(render)
 
 # The hosts run in a home of their own, which makes every run alike.
 set(host_environment "HOME=${CMAKE_CURRENT_BINARY_DIR}/home" "XDG_CONFIG_HOME=${CMAKE_CURRENT_BINARY_DIR}/home/.config"
