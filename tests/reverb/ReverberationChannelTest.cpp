@@ -64,7 +64,7 @@ TEST(ReverberationChannels, soundGoesWhereItsSpeakersAre)
         {"stereo to mono, right: the tail leans left", layout(2), layout(1), 1, 0b0, 0b1, 0b0},
         {"stereo to swapped stereo", layout(2), swapped, 0, 0b10, 0b11, 0b11},
         {"unknown speaker", unknown, layout(2), 1, 0b00, 0b00, 0b00},
-        {"nine unknown speakers", layout(9), layout(9), 4, 0, 0, 0},
+        {"nine unknown speakers", layout(9), layout(9), 8, 0, 0, 0},
         {"5.1, left", layout(6), layout(6), 0, 0b000001, 0b110111, 0b110111},
         {"5.1, centre", layout(6), layout(6), 2, 0b000100, 0b110111, 0b110111},
         {"5.1, low frequency", layout(6), layout(6), 3, 0b001000, 0b000000, 0b000000},
