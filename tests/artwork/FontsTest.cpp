@@ -1,0 +1,93 @@
+// The compiled-in fonts: they load from memory, and have the glyphs that the window asks for.
+
+#include "editor/FontAwesomeIcons.h"
+
+#include "FontAwesomeData.h"
+#include "RobotoTypeface.h"
+
+#include <juce_gui_basics/juce_gui_basics.h>
+
+#include <gtest/gtest.h>
+
+namespace
+{
+
+juce::Typeface::Ptr typeface(const char* data, int size)
+{
+    return juce::Typeface::createSystemTypefaceFor(data, static_cast<std::size_t>(size));
+}
+
+juce::Path outlineOf(juce::Typeface& font, const juce::String& character)
+{
+    juce::Array<int> glyphs;
+    juce::Array<float> offsets;
+    font.getGlyphPositions(character, glyphs, offsets);
+    juce::Path outline;
+    font.getOutlineForGlyph(glyphs.getFirst(), outline);
+    return outline;
+}
+
+/** A character that a font lacks gets the font's box for missing glyphs, as does one that no font has. */
+bool hasGlyph(juce::Typeface& font, const juce::String& character)
+{
+    const auto outline = outlineOf(font, character);
+    return !outline.isEmpty() &&
+           outline.toString() != outlineOf(font, juce::String::charToString(0xfffe)).toString();
+}
+
+} // namespace
+
+TEST(FontsTest, IconFontHasTheNamedGlyphs)
+{
+    EXPECT_EQ(FontAwesomeData::fontawesomewebfont_ttfSize, 122092);
+    const auto font =
+        typeface(FontAwesomeData::fontawesomewebfont_ttf, FontAwesomeData::fontawesomewebfont_ttfSize);
+    ASSERT_NE(font, nullptr);
+    EXPECT_EQ(font->getName(), "FontAwesome");
+
+    struct Row
+    {
+        const char* icon;
+        juce::juce_wchar code;
+    };
+    namespace Icons = FontAwesomeIcons;
+    for (const Row& row : {Row{Icons::GLASS, 0xf000},
+                           {Icons::ADJUST, 0xf042},
+                           {Icons::ALIGN_CENTER, 0xf037},
+                           {Icons::ANGLE_DOUBLE_DOWN, 0xf103},
+                           {Icons::MINUS, 0xf068},
+                           {Icons::REMOVE, 0xf00d},
+                           {Icons::TIMES, 0xf00d},
+                           {Icons::SQUARE_O, 0xf096},
+                           {Icons::CARET_UP, 0xf0d8},
+                           {Icons::CARET_RIGHT, 0xf0da},
+                           {Icons::CARET_DOWN, 0xf0d7},
+                           {Icons::CARET_LEFT, 0xf0d9},
+                           {Icons::LINUX, 0xf17c},
+                           {Icons::ANDROID, 0xf17b},
+                           {Icons::MEDIUM, 0xf23a}})
+    {
+        const auto text = juce::String::fromUTF8(row.icon);
+        EXPECT_EQ(text, juce::String::charToString(row.code));
+        EXPECT_TRUE(hasGlyph(*font, text)) << static_cast<int>(row.code);
+    }
+    EXPECT_FALSE(hasGlyph(*font, juce::String::charToString(0xf8ff)));
+}
+
+TEST(FontsTest, RobotoHasItsWeightsAndTheLanguagesLetters)
+{
+    const auto regular = typeface(RobotoTypeface::RobotoRegular_ttf, RobotoTypeface::RobotoRegular_ttfSize);
+    const auto bold = typeface(RobotoTypeface::RobotoBold_ttf, RobotoTypeface::RobotoBold_ttfSize);
+    const auto letters =
+        juce::String::fromUTF8("AZaz09&%.,:()-+/\"'…–„“”«»°µ€äöüßÄÖÜéèêàâçîôûñáíóúÑ¿¡ãõåøæłśźżčřšžőűабвжяІї");
+    for (const auto& font : {regular, bold})
+    {
+        ASSERT_NE(font, nullptr);
+        EXPECT_EQ(font->getName(), "Roboto");
+        for (int i = 0; i < letters.length(); ++i)
+            EXPECT_TRUE(hasGlyph(*font, letters.substring(i, i + 1))) << letters.substring(i, i + 1);
+    }
+    EXPECT_EQ(regular->getStyle(), "Regular");
+    EXPECT_EQ(bold->getStyle(), "Bold");
+    EXPECT_GT(bold->getStringWidth("Ambrel"), regular->getStringWidth("Ambrel"));
+}
