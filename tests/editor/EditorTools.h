@@ -106,6 +106,11 @@ public:
     {
         factoryPresetFolder = factory.folder;
         userPresetFolder = user.folder;
+        // The product's own presets, which its constructor found, play no part.
+        updatePresetTree();
+        undoStates.clear();
+        currentProgram = 0;
+        setCurrentPresetName({});
     }
 
     /** Adds a factory preset that sets parameters of the engine. */
