@@ -27,8 +27,8 @@ private:
     static juce::File makeFolder()
     {
         const auto program = juce::File::getSpecialLocation(juce::File::currentExecutableFile);
-        program.getSiblingFile("share/TestBundle").createDirectory();
-        return PlugInPlaces("TestBundle", "").getResourceFolder();
+        program.getSiblingFile("share/Test Bundle").createDirectory();
+        return PlugInPlaces("Test Bundle", "").getResourceFolder();
     }
 };
 } // namespace
