@@ -8,6 +8,11 @@ target_link_libraries(ambrel_plugin_tests PRIVATE ambrel_render_lib ambrel_plugi
 add_dependencies(ambrel_plugin_tests ambrel_resources)
 gtest_discover_tests(ambrel_plugin_tests DISCOVERY_MODE PRE_TEST)
 add_subdirectory(render)
+add_subdirectory(artwork)
+
+# The themes once more on a system without a single font, where the compiled-in one steps in.
+add_test(NAME themes_without_fonts COMMAND ambrel_plugin_tests "--gtest_filter=Theme*")
+set_tests_properties(themes_without_fonts PROPERTIES ENVIRONMENT "JUCE_FONT_PATH=/nonexistent")
 
 # The hosts run in a home of their own, which makes every run alike.
 set(host_environment "HOME=${CMAKE_CURRENT_BINARY_DIR}/home" "XDG_CONFIG_HOME=${CMAKE_CURRENT_BINARY_DIR}/home/.config"

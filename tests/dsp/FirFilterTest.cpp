@@ -357,6 +357,25 @@ TEST(FirFilter, ANewResponseFindsTheWholePast)
         }
 }
 
+TEST(FirFilter, APartitionOfTheSameSizeElsewhereInTheResponseIsNotKept)
+{
+    const auto input = makeNoiseSignal(1, 8000, 28), response = makeNoiseSignal(1, 1400, 29);
+    FirFilter filter;
+    filter.setLoadDistribution(true, 1);
+    filter.setImpulseResponse(makeNoiseSignal(1, 2000, 30));
+    ASSERT_EQ(filter.partitionSizes, (std::vector<int>{128, 256, 128, 512, 256, 1024}));
+    run(filter, slice(input, 0, 4000), {100});
+
+    filter.setLoadDistribution(false, 1);
+    filter.setImpulseResponse(response);
+    ASSERT_EQ(filter.partitionSizes, (std::vector<int>{128, 256, 512, 512}));
+    const auto output = run(filter, slice(input, 4000, 4000), {100});
+    const auto expected = convolve(getChannel(input, 0), getChannel(response, 0));
+    // The first two partitions stay, and hand out what they had computed of the old response.
+    EXPECT_LT(maxDifference(getChannel(output, 0).subspan(512), std::span(expected).subspan(4512)),
+              getTolerance(1400));
+}
+
 TEST(FirFilter, PartitionsCreatedUnderAnFftHeadSoundTwiceUntilTheHeadChanges)
 {
     const auto input = makeNoiseSignal(1, 8192, 23), response = makeNoiseSignal(1, 512, 24);
