@@ -2,7 +2,7 @@
 # and help pages beside it. They are staged once, in share/Ambrel of the build folder, where programs in the
 # build folder find them, and copied from there into the bundles and by the installation.
 
-set(AMBREL_RESOURCES "${CMAKE_BINARY_DIR}/share/Ambrel")
+set(AMBREL_RESOURCES "${CMAKE_BINARY_DIR}/share/Ambrel" CACHE INTERNAL "Presets, translations and help")
 
 file(GLOB_RECURSE resource_files CONFIGURE_DEPENDS
     "${Ambrel_SOURCE_DIR}/resources/presets/*.xml"
