@@ -76,7 +76,7 @@ set_property(DIRECTORY PROPERTY RULE_LAUNCH_CUSTOM
     "\"${CMAKE_COMMAND}\" -E env \"HOME=${CMAKE_BINARY_DIR}/home\" \"XDG_CONFIG_HOME=${CMAKE_BINARY_DIR}/home/.config\"")
 
 add_custom_command(TARGET Ambrel_LV2 POST_BUILD
-    COMMAND "${CMAKE_COMMAND}" -D "DESCRIPTION=$<TARGET_FILE_DIR:Ambrel_LV2>/dsp.ttl"
+    COMMAND "${CMAKE_COMMAND}" -D "BUNDLE=$<TARGET_FILE_DIR:Ambrel_LV2>"
         -P "${Ambrel_SOURCE_DIR}/cmake/CompleteLv2.cmake"
     VERBATIM)
 
