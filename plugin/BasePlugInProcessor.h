@@ -249,6 +249,7 @@ private:
     void prefillOutputQueue();
     vesk::audio::Signal32 compensateLatency(const vesk::audio::Signal32& result, int numSamples);
 
+    void effectuateQuietly() noexcept;
     juce::MemoryBlock makeSnapshot();
     void applySnapshot(const juce::MemoryBlock& snapshot);
 

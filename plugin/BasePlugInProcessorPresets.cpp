@@ -1,4 +1,5 @@
 #include "plugin/BasePlugInProcessor.h"
+#include "plugin/ForeignData.h"
 
 #include <exception>
 
@@ -64,7 +65,7 @@ void BasePlugInProcessor::loadPresetDirectory(juce::ValueTree& folderNode, const
     for (int position = 0; position < subfolders.size(); ++position)
     {
         const auto& subfolder = subfolders.getReference(position);
-        auto node = makeFolderNode(subfolder.getFileNameWithoutExtension());
+        auto node = makeFolderNode(ForeignData::toValidText(subfolder.getFileNameWithoutExtension()));
         addPresetFilesToFolderNode(subfolder, node, nextIndex);
         folderNode.addChild(node, position, nullptr);
     }
@@ -78,7 +79,7 @@ void BasePlugInProcessor::addPresetFilesToFolderNode(const juce::File& folder, j
     for (int position = 0; position < files.size(); ++position)
     {
         const auto& file = files.getReference(position);
-        const auto name = file.getFileNameWithoutExtension();
+        const auto name = ForeignData::toValidText(file.getFileNameWithoutExtension());
 
         juce::ValueTree node(presetType);
         node.setProperty(nameProperty, name, nullptr);
@@ -112,9 +113,21 @@ void BasePlugInProcessor::setCurrentProgram(int index)
     {
         // The file names a parameter that the engine does not have. Hosts know no exceptions: what was read
         // before it stays and is put into force.
-        baseProcessor->effectuateParameterChanges();
+        effectuateQuietly();
     }
     callListeners(-1);
+}
+
+/** If it fails, for want of memory say, what is out of date stays marked and the next change tries again. */
+void BasePlugInProcessor::effectuateQuietly() noexcept
+{
+    try
+    {
+        baseProcessor->effectuateParameterChanges();
+    }
+    catch (const std::exception&)
+    {
+    }
 }
 
 const juce::String BasePlugInProcessor::getProgramName(int index) { return presets[index].name; }

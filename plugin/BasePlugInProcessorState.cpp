@@ -18,7 +18,9 @@
     name/>...</ParameterSettings></Preset>. Written are the described parameters; read are all that the engine
     has, so factory presets can set all. */
 #include "plugin/BasePlugInProcessor.h"
+#include "plugin/ForeignData.h"
 
+#include <exception>
 #include <stdexcept>
 
 namespace
@@ -92,7 +94,14 @@ void BasePlugInProcessor::getCurrentProgramStateInformation(juce::MemoryBlock& d
 void BasePlugInProcessor::setCurrentProgramStateInformation(const void* data, int size)
 {
     juce::MemoryInputStream input(data, static_cast<std::size_t>(juce::jmax(size, 0)), false);
-    setParameterSettings(input);
+    try
+    {
+        setParameterSettings(input);
+    }
+    catch (const std::exception&)
+    {
+        // The engine could not bring itself up to date, for want of memory say. Hosts know no exceptions.
+    }
     lastStateRestoreTime.store(juce::Time::getMillisecondCounter(), std::memory_order_relaxed);
 }
 
@@ -147,7 +156,7 @@ bool BasePlugInProcessor::setParameterSettings(juce::InputStream& input)
     if (input.getPosition() + markerLength >= input.getTotalLength())
         return true;
     if (input.readInt64() == stateMarker)
-        currentPresetName = input.readString();
+        currentPresetName = ForeignData::toValidText(input.readString());
     else
         input.setPosition(input.getPosition() - markerLength);
     return true;
@@ -176,13 +185,13 @@ bool BasePlugInProcessor::exportToPresetFile(const juce::File& file)
     format.lineWrapLength = presetLineLength;
     const bool written = preset.writeTo(file, format);
     if (written)
-        currentPresetName = file.getFileNameWithoutExtension();
+        currentPresetName = ForeignData::toValidText(file.getFileNameWithoutExtension());
     return written;
 }
 
 bool BasePlugInProcessor::importFromPresetFile(const juce::File& file)
 {
-    const auto preset = juce::XmlDocument(file).getDocumentElement(false);
+    const auto preset = ForeignData::readXml(file);
     const auto* parameters = preset != nullptr ? preset->getChildByName(settingsTag) : nullptr;
     if (parameters == nullptr)
         return false;
@@ -207,7 +216,7 @@ bool BasePlugInProcessor::importFromPresetFile(const juce::File& file)
         parseCustomDataXmlElement(customData);
 
     callListeners(-1);
-    currentPresetName = file.getFileNameWithoutExtension();
+    currentPresetName = ForeignData::toValidText(file.getFileNameWithoutExtension());
     return true;
 }
 

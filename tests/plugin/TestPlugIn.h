@@ -56,6 +56,8 @@ public:
     void effectuateParameterChanges() override
     {
         ++effectuations;
+        if (onEffectuate)
+            onEffectuate();
         pending = false;
     }
 
@@ -73,6 +75,7 @@ public:
     std::vector<float> values{25.0f, 1000.0f, 0.0f, 0.0f};
     vesk::audio::ProcessingInfo latency;
     std::function<void()> onProcess;
+    std::function<void()> onEffectuate;
     bool acceptsFormat = true;
     bool pending = false; ///< parameters were set and not effectuated
     bool lastBypassed = false;

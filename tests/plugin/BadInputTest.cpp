@@ -1,0 +1,300 @@
+/** What comes from outside may be anything: no input stops the plug-in, leaves the engine with a parameter that is not a
+    number within its range, or the preset with a name that is no text. */
+#include "product/AmbrelAudioProcessor.h"
+#include "reverb/Reverberation.h"
+#include "tests/plugin/TestPlugIn.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <string>
+
+#if !JUCE_WINDOWS
+#include <sys/stat.h>
+#include <unistd.h>
+#endif
+
+using vesk::audio::Reverberation;
+
+namespace
+{
+constexpr int rounds = 500;
+
+std::string repeat(const std::string& text, int count)
+{
+    std::string result;
+    for (int i = 0; i < count; ++i)
+        result += text;
+    return result;
+}
+
+std::string preset(const std::string& parameters) { return presetText(parameters).toStdString(); }
+
+/** A preset with a reverb time, as two-byte units with their mark. */
+std::string utf16(bool bigEndian)
+{
+    std::string result = bigEndian ? "\xfe\xff" : "\xff\xfe";
+    for (const char c : preset("<Parameter id='2' value='3'/>"))
+        result += bigEndian ? std::string{'\0', c} : std::string{c, '\0'};
+    return result;
+}
+
+class BadInputTest : public ::testing::Test
+{
+protected:
+    void expectSound(const std::string& after)
+    {
+        auto& engine = *plugIn.getBaseProcessor();
+        for (int id = 0; id < Reverberation::numParameters; ++id)
+        {
+            float low = 0.0f;
+            float high = 0.0f;
+            engine.getParameterRange(id, low, high);
+            const float value = engine.getParameterValue(id);
+            EXPECT_TRUE(value >= low && value <= high) << id << ": " << value << " after " << after;
+        }
+        for (int index = 0; index < plugIn.getNumParameters(); ++index)
+            EXPECT_TRUE(std::isfinite(plugIn.getParameter(index))) << index << " after " << after;
+        expectText(plugIn.getCurrentPresetName(), after);
+    }
+
+    static void expectText(const juce::String& text, const std::string& after)
+    {
+        const auto* bytes = text.toRawUTF8();
+        EXPECT_TRUE(juce::CharPointer_UTF8::isValidString(bytes, static_cast<int>(std::strlen(bytes))))
+            << after;
+    }
+
+    void restore(const std::string& block, const std::string& what)
+    {
+        plugIn.setStateInformation(block.data(), static_cast<int>(block.size()));
+        expectSound(what);
+    }
+
+    bool import(const std::string& content, const std::string& what)
+    {
+        bool accepted = false;
+        file.replaceWithData(content.data(), content.size());
+        try
+        {
+            accepted = plugIn.importFromPresetFile(file);
+        }
+        catch (const std::out_of_range&) // an unknown parameter
+        {
+        }
+        expectSound(what);
+        return accepted;
+    }
+
+    /** Calls run with the text cut at each length, with each of its bits flipped, and with bytes of pure chance behind
+        as much of it as chance will have. */
+    template <typename Run>
+    void damage(const std::string& whole, Run run)
+    {
+        for (std::size_t length = 0; length < whole.size(); ++length)
+            run(whole.substr(0, length), "cut at " + std::to_string(length));
+        for (std::size_t bit = 0; bit < 8 * whole.size(); ++bit)
+        {
+            auto flipped = whole;
+            flipped[bit / 8] = static_cast<char>(flipped[bit / 8] ^ (1 << bit % 8));
+            run(flipped, "flipped bit " + std::to_string(bit));
+        }
+        juce::Random random(1);
+        for (int round = 0; round < rounds; ++round)
+        {
+            auto chance = whole.substr(0, static_cast<std::size_t>(random.nextInt(int(whole.size()))));
+            for (int count = random.nextInt(200); count > 0; --count)
+                chance += static_cast<char>(random.nextInt(256));
+            run(chance, "round " + std::to_string(round));
+        }
+    }
+
+    AmbrelAudioProcessor plugIn;
+    TemporaryFolder folder;
+    const juce::File file = folder.folder.getChildFile("preset.xml");
+};
+} // namespace
+
+TEST_F(BadInputTest, StateBlocks)
+{
+    juce::MemoryBlock stored;
+    plugIn.getStateInformation(stored);
+    const std::string whole(static_cast<const char*>(stored.getData()), stored.getSize());
+
+    damage(whole, [&](const auto& block, const auto& what) { restore(block, what); });
+    restore(std::string(100'000'000, '\0'), "zeros");
+    restore(whole.substr(0, whole.size() - 4) + "\xf0", "a name that breaks off within a character");
+    for (const float value : {NAN, INFINITY, -INFINITY, -0.0f, 1e-40f, 3e38f})
+    {
+        auto odd = whole;
+        std::memcpy(odd.data() + 20, &value, sizeof(value));
+        restore(odd, std::to_string(value));
+    }
+
+    restore(whole, "all of these");
+    juce::MemoryBlock again;
+    plugIn.getStateInformation(again);
+    EXPECT_EQ(again, stored);
+}
+
+TEST_F(BadInputTest, PresetFiles)
+{
+    const auto time = [](const std::string& value)
+    { return preset("<Parameter id='2' value='" + value + "'/>"); };
+    const auto withType = [&](const std::string& type, const std::string& value)
+    { return "<!DOCTYPE p " + type + ">" + time(value); };
+    const std::string laughs = "[<!ENTITY a \"ha\"><!ENTITY b \"" + repeat("&a;", 10) + "\"><!ENTITY c \"" +
+                               repeat("&b;", 10) + "\"><!ENTITY d \"" + repeat("&c;", 10) + "\">]";
+    constexpr int deep = 100'000;
+
+    struct Row
+    {
+        const char* what;
+        std::string content;
+        float time; ///< afterwards; 0 if the file is refused
+    };
+    const Row rows[] = {
+        {"not a number", time("nan"), 32.0f},
+        {"infinite", time("inf"), 32.0f},
+        {"minus infinite", time("-inf"), 0.1f},
+        {"too large", time("1e999"), 32.0f},
+        {"many digits", time(repeat("9", 2000)), 32.0f},
+        {"hexadecimal", time("0x10"), 0.1f},
+        {"empty", time(""), 0.1f},
+        {"comma", time("1,5"), 1.0f},
+        {"words", time("two"), 0.1f},
+        {"reference", time("&#x34;&#46;5"), 4.5f},
+
+        {"UTF-16, low byte first", utf16(false), 3.0f},
+        {"UTF-16, high byte first", utf16(true), 3.0f},
+        {"UTF-8 with a mark", "\xef\xbb\xbf" + time("3"), 3.0f},
+        {"Latin-1",
+         preset("<Parameter name='Gr\xf6\xdf"
+                "e' id='2' value='3'/>"),
+         3.0f},
+        {"breaks off within a character", preset("<Parameter id='2' value='3\xf0"), 0.0f},
+        {"a zero within", time("3") + std::string(1, '\0') + "<", 3.0f},
+        {"zeros", std::string(1000, '\0'), 0.0f},
+        {"zeros, too many", std::string(100'000'000, '\0'), 0.0f},
+
+        {"comments and such",
+         "<!-->--><?x ' ?>" + preset("<!-- <a> -->x<![CDATA[<a>]]><Parameter id='2' value='3'/>"), 3.0f},
+        {"quotes", preset("<a b=\"'</a>'\" c='>'/><Parameter id='2' value='3'/>"), 3.0f},
+        {"behind the end", time("3") + "<<<", 3.0f},
+        {"as deep as allowed", repeat("<a>", 97) + repeat("</a>", 97), 0.0f},
+        {"deep", preset(repeat("<a>", deep) + repeat("</a>", deep)), 0.0f},
+        {"deep and open", preset(repeat("<a>", deep)), 0.0f},
+        {"deep behind comments", preset(repeat("<a><!--></a>-->", deep / 2)), 0.0f},
+        {"deep behind quotes", preset(repeat("<x><a ! \"<!--\"></a></x>-->", deep / 3)), 0.0f},
+        {"deep behind references", preset(repeat("<x>&<y></x></y>;", deep / 3)), 0.0f},
+        {"many elements", preset(repeat("<Parameter id='2' value='3'/>", 1'000'000)), 0.0f},
+        {"many elements that fit", preset(repeat("<a/>", 200'000) + "<Parameter id='2' value='3'/>"), 3.0f},
+        {"many attributes", preset("<Parameter " + repeat("a='' ", 100'000) + "id='2' value='3'/>"), 3.0f},
+        {"many references", time(repeat("&amp;", 200'000)), 0.1f},
+        {"instruction before text", preset("<?x?>text"), 0.0f},
+
+        {"entities of entities", withType(laughs, "&d;"), 0.0f},
+        {"an entity of its own", withType("[<!ENTITY a \"&a;\">]", "&a;"), 0.0f},
+        {"an entity in a file", withType("[<!ENTITY a SYSTEM \"/dev/zero\">]", "&a;"), 0.0f},
+        {"a document type in a file", withType("SYSTEM \"/dev/zero\"", "&a;"), 0.0f},
+        {"an unknown entity", time("&<x>;"), 0.0f},
+        {"a character that does not exist", time("&#x110000;"), 0.0f},
+        {"no character", time("&#;"), 0.0f}};
+    for (const auto& row : rows)
+    {
+        plugIn.getBaseProcessor()->setParameterValue(Reverberation::reverbTime, 7.0f, true);
+        EXPECT_EQ(import(row.content, row.what), row.time > 0.0f) << row.what;
+        EXPECT_EQ(plugIn.getBaseProcessor()->getParameterValue(Reverberation::reverbTime),
+                  row.time > 0.0f ? row.time : 7.0f)
+            << row.what;
+    }
+
+    const auto whole =
+        preset("<Parameter id=\"2\" unit=\"s\" value=\"2.4\"/><Parameter id='1' value='-12'/>");
+    damage(whole, [&](const auto& content, const auto& what) { import(content, what); });
+    EXPECT_TRUE(import(whole, "all of these"));
+}
+
+#if !JUCE_WINDOWS
+TEST_F(BadInputTest, PresetFolders)
+{
+    const auto path = [&](const char* name) { return folder.folder.getFullPathName() + "/" + name; };
+    folder.write("text.xml", "no preset");
+    folder.write("secret.xml", preset("<Parameter id='2' value='3'/>")).setReadOnly(true);
+    chmod(path("secret.xml").toRawUTF8(), 0);
+    folder.folder.getChildFile("folder.xml").createDirectory();
+    folder.folder.getChildFile("closed").createDirectory();
+    chmod(path("closed").toRawUTF8(), 0);
+    ASSERT_EQ(symlink("/nonexistent", path("nowhere.xml").toRawUTF8()), 0);
+    ASSERT_EQ(symlink("round.xml", path("round.xml").toRawUTF8()), 0);
+    ASSERT_EQ(symlink("/dev/zero", path("endless.xml").toRawUTF8()), 0);
+    ASSERT_EQ(symlink("..", path("parent").toRawUTF8()), 0);
+    ASSERT_EQ(mkfifo(path("pipe.xml").toRawUTF8(), 0600), 0);
+    const auto foreign = path("Saal gro").toStdString() + "\xdf.xml";
+    ASSERT_EQ(symlink("text.xml", foreign.c_str()), 0);
+    ASSERT_EQ(mkdir((path("Gr").toStdString() + "\xf6\xdf").c_str(), 0700), 0);
+
+    for (const auto& library :
+         {folder.folder, folder.folder.getChildFile("missing"), file.getChildFile("below a file"),
+          folder.folder.getChildFile("text.xml"), juce::File()})
+    {
+        plugIn.factoryPresetFolder = plugIn.userPresetFolder = library;
+        plugIn.updatePresetTree();
+        for (const int program : {-1, plugIn.getNumPrograms(), 0x7fffffff})
+            plugIn.setCurrentProgram(program);
+        for (int program = 0; program < plugIn.getNumPrograms(); ++program)
+        {
+            const auto name = plugIn.getProgramName(program);
+            expectText(name, name.toStdString());
+            plugIn.setCurrentProgram(program);
+            expectSound(name.toStdString());
+        }
+        for (const auto& top : plugIn.presetTree)
+            for (const auto& node : top)
+                expectText(node["Name"].toString(), "the scan");
+    }
+    chmod(path("closed").toRawUTF8(), 0700);
+}
+#endif
+
+TEST(BadInput, AnEngineThatFailsIsKeptFromTheHost)
+{
+    TestPlugIn plugIn;
+    juce::MemoryBlock state;
+    plugIn.getStateInformation(state);
+    plugIn.engine.onEffectuate = [] { throw std::runtime_error("no memory"); };
+    EXPECT_NO_THROW(plugIn.setStateInformation(state.getData(), static_cast<int>(state.getSize())));
+    plugIn.forgetStateRestore();
+
+    const TemporaryFolder folder;
+    folder.write("a.xml", presetText("<Parameter id='0' value='33'/>"));
+    plugIn.factoryPresetFolder = folder.folder;
+    plugIn.updatePresetTree();
+    EXPECT_NO_THROW(plugIn.setCurrentProgram(0));
+    EXPECT_EQ(plugIn.engine.values[0], 33.0f);
+}
+
+TEST(BadInput, SettingsFiles)
+{
+    const auto makePlugIn = [] { return std::make_unique<TestPlugIn>("Shared", "p"); };
+    const auto file = makePlugIn()->settings->getFile();
+    const std::string contents[] = {"",
+                                    "PROP",
+                                    "CPRP\x78\x9c",
+                                    "<PROPERTIES",
+                                    std::string(1000, '\xf0'),
+                                    "<PROPERTIES><VALUE name='ThemeId' val='1e99'/></PROPERTIES>"};
+    for (const auto& content : contents)
+    {
+        file.replaceWithData(content.data(), content.size());
+        auto first = makePlugIn();
+        auto second = makePlugIn();
+        first->settings->setValue("ThemeId", 1);
+        second->settings->setValue("ThemeId", 2);
+        first.reset();
+        second.reset();
+        EXPECT_EQ(makePlugIn()->settings->getIntValue("ThemeId"), 2) << "the last one that writes wins";
+    }
+    file.deleteFile();
+}
