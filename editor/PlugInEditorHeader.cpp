@@ -325,6 +325,7 @@ void PlugInEditorHeader::showAboutDialog()
     about->setPlugInName(processor->getShortName());
 
     juce::DialogWindow::LaunchOptions options;
+    const auto content = about->getLocalBounds();
     options.content.setOwned(about.release());
     options.componentToCentreAround = getParentComponent();
     options.dialogTitle = juce::translate("About") + " " + processor->getName();
@@ -332,8 +333,14 @@ void PlugInEditorHeader::showAboutDialog()
     options.useNativeTitleBar = true;
     options.resizable = false;
 
-    aboutWindow = options.launchAsync();
+    // What launchAsync() does, with the window complete before it is first seen: to come to the top, some systems
+    // make it anew, and the library counts in a title bar of its own before it learns of the system's.
+    aboutWindow = options.create();
     aboutWindow->setAlwaysOnTop(true);
+    aboutWindow->setContentComponentSize(content.getWidth(), content.getHeight());
+    aboutWindow->centreAroundComponent(getParentComponent(), aboutWindow->getWidth(),
+                                       aboutWindow->getHeight());
+    aboutWindow->enterModalState(true, nullptr, true);
 }
 
 void PlugInEditorHeader::plugInMenuCallback(int result, PlugInEditorHeader* header)

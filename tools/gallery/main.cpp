@@ -3,8 +3,8 @@
 
         ambrel-gallery [FOLDER]
 
-    writes dark.png, steel.png and reverb.png, and each with @2x for dense displays, to the folder, which is
-    made if need be. Without one it is the current folder.
+    writes dark.png, steel.png and reverb.png, and each with @1.5x and @2x for dense displays, to the folder,
+    which is made if need be. Without one it is the current folder.
 */
 #include "editor/themes/DarkTheme.h"
 #include "editor/themes/ReverbTheme.h"
@@ -43,11 +43,10 @@ bool writePages(const juce::File& folder, const juce::String& name, const juce::
     bool isWritten = true;
     {
         GalleryPage page(theme, title);
-        const auto drawPage = [&](float scale)
-        { return page.createComponentSnapshot(page.getLocalBounds(), true, scale); };
-
-        isWritten = writePicture(folder.getChildFile(name + ".png"), drawPage(1.0f)) &&
-                    writePicture(folder.getChildFile(name + "@2x.png"), drawPage(2.0f));
+        for (const auto& [suffix, scale] : {std::pair{".png", 1.0f}, {"@1.5x.png", 1.5f}, {"@2x.png", 2.0f}})
+            isWritten =
+                isWritten && writePicture(folder.getChildFile(name + suffix),
+                                          page.createComponentSnapshot(page.getLocalBounds(), true, scale));
     }
     juce::LookAndFeel::setDefaultLookAndFeel(nullptr);
     return isWritten;
