@@ -13,11 +13,11 @@ namespace vesk::audio
 
 namespace
 {
-template <typename T>
-T* allocateChannel(int samples)
+constexpr std::size_t cacheLine = 64;
+
+constexpr std::size_t roundUpToCacheLine(std::size_t bytes)
 {
-    const auto bytes = static_cast<std::size_t>(samples) * sizeof(T);
-    return samples > 0 ? static_cast<T*>(MemoryPool::allocate(bytes)) : nullptr;
+    return (bytes + cacheLine - 1) / cacheLine * cacheLine;
 }
 
 template <typename T>
@@ -43,9 +43,21 @@ template <typename T>
 SignalData<T>::SignalData(int channelCount, int sampleCount)
     : numSamples(sampleCount), numChannels(channelCount), allocatedSamples(sampleCount)
 {
-    channels.reserve(static_cast<std::size_t>(channelCount));
-    for (int channel = 0; channel < channelCount; ++channel)
-        channels.push_back(allocateChannel<T>(sampleCount));
+    const auto count = static_cast<std::size_t>(std::max(channelCount, 0));
+    const auto samples = static_cast<std::size_t>(std::max(sampleCount, 0));
+    if (count == 0)
+        return;
+
+    // An odd number of lines from channel to channel: at a distance of whole pages loads of one channel would
+    // wait for stores to the other.
+    const auto pointerBytes = roundUpToCacheLine(count * sizeof(T*));
+    const auto channelBytes = (roundUpToCacheLine(samples * sizeof(T)) / cacheLine | 1) * cacheLine;
+    auto* block =
+        PoolAllocator<std::byte>().allocate(pointerBytes + (samples > 0 ? count * channelBytes : 0));
+    channels = {new (block) T*[count](), count};
+    if (samples > 0)
+        for (std::size_t channel = 0; channel < count; ++channel)
+            channels[channel] = reinterpret_cast<T*>(block + pointerBytes + channel * channelBytes);
 }
 
 template <typename T>
@@ -63,8 +75,7 @@ SignalData<T>::SignalData(const SignalData& other) : SignalData(other.numChannel
 template <typename T>
 SignalData<T>::~SignalData()
 {
-    for (auto* channel : channels)
-        MemoryPool::release(channel);
+    MemoryPool::release(channels.data());
 }
 
 //==============================================================================
@@ -93,12 +104,9 @@ Signal<T>::Signal(int channels, int samples, T value) : Signal(channels, samples
 }
 
 template <typename T>
-T* Signal<T>::getWriteChannelPtr(int channel)
+void Signal<T>::cloneData()
 {
-    assert(data != nullptr);
-    if (data.use_count() > 1)
-        data = std::allocate_shared<SignalData<T>>(PoolAllocator<SignalData<T>>(), std::as_const(*data));
-    return data->channels[static_cast<std::size_t>(channel)];
+    data = std::allocate_shared<SignalData<T>>(PoolAllocator<SignalData<T>>(), std::as_const(*data));
 }
 
 template <typename T>

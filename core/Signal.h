@@ -9,7 +9,7 @@
         Signal32 kept = block;              // shares the samples
         block.getWriteChannelPtr(0)[0] = 1; // block clones itself; kept is still silent
 
-    Each channel is a block of its own, aligned to 64 bytes, not contiguous with the others. A handle may show
+    Each channel is aligned to 64 bytes, with a gap to the next. A handle may show
     less than the memory holds (see ensureDimensions): that is how work buffers live on without reallocation
     while block sizes change.
 
@@ -25,12 +25,12 @@
 
 #include <complex>
 #include <memory>
-#include <vector>
+#include <span>
 
 namespace vesk::audio
 {
 
-/** The memory behind a signal: one aligned, uninitialised block for each channel. */
+/** The memory behind a signal: uninitialised samples, each channel aligned to 64 bytes. */
 template <typename T>
 struct SignalData
 {
@@ -45,8 +45,9 @@ struct SignalData
     int numChannels;
     int allocatedSamples;
 
-    /** The channels' blocks, owned. Null pointers if there are no samples. */
-    std::vector<T*, PoolAllocator<T*>> channels;
+    /** Where each channel starts; null pointers if there are no samples. The pointers and all channels lie in
+        one block, since taking and giving back is most of what a short signal costs. */
+    std::span<T*> channels;
 };
 
 template <typename T>
@@ -66,7 +67,12 @@ public:
 
     /** Write pointer of a channel. Clones the memory first if it has other owners.
         Precondition: the signal has data. */
-    T* getWriteChannelPtr(int channel);
+    T* getWriteChannelPtr(int channel)
+    {
+        if (data.use_count() > 1)
+            cloneData();
+        return data->channels[static_cast<std::size_t>(channel)];
+    }
 
     /** Makes the handle show channels by samples. Within what is allocated only the handle changes: samples
         stay, sharing is not looked at. Beyond it, new uninitialised memory of exactly this size replaces the
@@ -88,6 +94,9 @@ public:
     int numChannels = 0;
     int numSamples = 0;
     std::shared_ptr<SignalData<T>> data;
+
+private:
+    void cloneData();
 };
 
 /** Scaled copy. */

@@ -88,26 +88,39 @@ S SignalQueue<S>::get(int samples)
 template <typename S>
 void SignalQueue<S>::peek(int offset, S& destination) const
 {
-    const int length = destination.numSamples;
-    std::int64_t position = static_cast<std::int64_t>(std::max(offset, 0)) + readOffset;
-    int done = 0;
-    for (const S& block : blocks)
+    auto [index, start] = locate(std::max(offset, 0));
+    for (int done = 0; done < destination.numSamples && index < blocks.size(); ++index, start = 0)
     {
-        if (done >= length)
-            return;
-        if (position >= block.numSamples)
-        {
-            position -= block.numSamples;
-            continue;
-        }
-        const auto start = static_cast<int>(position);
-        const int count = std::min(block.numSamples - start, length - done);
+        const S& block = blocks[index];
+        const int count = std::min(block.numSamples - start, destination.numSamples - done);
         for (int channel = 0; channel < destination.numChannels; ++channel)
             vo::copy(block.getChannelPtr(channel) + start, destination.getWriteChannelPtr(channel) + done,
                      count);
         done += count;
-        position = 0;
     }
+}
+
+/** Which block holds the sample that lies offset behind the front, and where in it. */
+template <typename S>
+std::pair<std::size_t, int> SignalQueue<S>::locate(std::int64_t offset) const
+{
+    if (offset >= numSamples)
+        return {blocks.size(), 0};
+
+    const std::int64_t position = offset + readOffset;
+    std::size_t index = 0;
+    std::int64_t start = 0;
+    if (offset < numSamples / 2)
+        while (start + blocks[index].numSamples <= position)
+            start += blocks[index++].numSamples;
+    else
+    {
+        index = blocks.size();
+        start = numSamples + readOffset;
+        while (start > position)
+            start -= blocks[--index].numSamples;
+    }
+    return {index, static_cast<int>(position - start)};
 }
 
 template <typename S>

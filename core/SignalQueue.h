@@ -9,15 +9,17 @@
         Signal32 first = queue.get(100);     // the oldest 100
 
     Asking for more than numSamples is a programming error (asserted in debug builds); peek alone stops at the
-    end. Cost: one list node for each block added, from the pool. Thread: one at a time.
+    end. Cost: add is a handle in a deque; peek walks the blocks from the nearer end. Thread: one at a time.
 */
 #pragma once
 
 #include "core/MemoryPool.h"
 #include "core/Signal.h"
 
+#include <cstddef>
 #include <cstdint>
-#include <list>
+#include <deque>
+#include <utility>
 
 namespace vesk::audio
 {
@@ -51,16 +53,18 @@ public:
     /** Back to the state of a new queue. */
     void clear();
 
-    std::int64_t numSamples = 0;           ///< waiting, for each channel
-    std::list<S, PoolAllocator<S>> blocks; ///< oldest first
-    int readOffset = 0;                    ///< samples of the oldest block already taken
-    int numChannels = -1;                  ///< -1 until the first block
+    std::int64_t numSamples = 0;            ///< waiting, for each channel
+    std::deque<S, PoolAllocator<S>> blocks; ///< oldest first
+    int readOffset = 0;                     ///< samples of the oldest block already taken
+    int numChannels = -1;                   ///< -1 until the first block
 
 private:
     /** Removes length samples from the front, handing each piece of a block to
         consume(block, start in the block, start in the result, count). */
     template <typename Consume>
     void takeFromFront(int length, Consume consume);
+
+    std::pair<std::size_t, int> locate(std::int64_t offset) const;
 };
 
 extern template class SignalQueue<Signal32>;

@@ -234,6 +234,14 @@ IppStatus ippsDiv_32f(const float* a, const float* b, float* dst, int n)
     return getKernels().divide(a, b, dst, toSize(n)) ? ippStsDivByZero : ippStsNoErr;
 }
 
+IppStatus copyBounded(const float* src, float limit, float* dst, int n)
+{
+    if (const auto status = checkArrays(n, src, dst); status != ippStsNoErr)
+        return status;
+    getKernels().copyBounded(src, limit, dst, toSize(n));
+    return ippStsNoErr;
+}
+
 IppStatus ippsMax_32f(const float* src, int n, float* max)
 {
     if (const auto status = checkArrays(n, src, max); status != ippStsNoErr)

@@ -117,6 +117,10 @@ IppStatus ippsMulC_32f(const float* src, float c, float* dst, int n);
     and the IEEE result. */
 IppStatus ippsDiv_32f(const float* a, const float* b, float* dst, int n);
 
+/** dst[i] = src[i] as far as its magnitude is at most limit, else 0: so for infinities and for what is not a
+    number. For samples from outside, of which nothing is known. */
+IppStatus copyBounded(const float* src, float limit, float* dst, int n);
+
 /** The largest element, signed. NaNs are passed over; minus infinity if there is nothing else. */
 IppStatus ippsMax_32f(const float* src, int n, float* max);
 

@@ -90,6 +90,18 @@ HWY_INLINE bool divide(const float* divisor, const float* dividend, float* dst, 
     return anyZero;
 }
 
+/** A comparison with what is not a number is false, so that this needs no case of its own. */
+HWY_INLINE void copyBounded(const float* src, float limit, float* dst, std::size_t n)
+{
+    forEach(Floats(), n,
+            [=](auto d, std::size_t i) HWY_ATTR
+            {
+                const auto value = hn::LoadU(d, src + i);
+                const auto isWithin = hn::Le(hn::Abs(value), hn::Set(d, limit));
+                hn::StoreU(hn::IfThenElseZero(isWithin, value), d, dst + i);
+            });
+}
+
 HWY_INLINE float maximum(const float* src, std::size_t n)
 {
     const Floats d;

@@ -34,6 +34,7 @@ struct KernelTable
     void (*multiply)(const float* a, const float* b, float* dst, std::size_t n);
     void (*scale)(const float* src, float factor, float* dst, std::size_t n);
     bool (*divide)(const float* divisor, const float* dividend, float* dst, std::size_t n);
+    void (*copyBounded)(const float* src, float limit, float* dst, std::size_t n);
     float (*maximum)(const float* src, std::size_t n);
     void (*threshold)(const float* src, float* dst, std::size_t n, float low, float lowValue, float high,
                       float highValue);

@@ -44,6 +44,7 @@ const KernelTable& getTable()
         .multiply = multiply,
         .scale = scale,
         .divide = divide,
+        .copyBounded = copyBounded,
         .maximum = maximum,
         .threshold = threshold,
         .toDouble = toDouble,
