@@ -9,6 +9,7 @@ add_dependencies(ambrel_plugin_tests ambrel_resources)
 gtest_discover_tests(ambrel_plugin_tests DISCOVERY_MODE PRE_TEST)
 add_subdirectory(render)
 add_subdirectory(artwork)
+add_subdirectory(soak)
 
 # The themes once more on a system without a single font, where the compiled-in one steps in.
 add_test(NAME themes_without_fonts COMMAND ambrel_plugin_tests "--gtest_filter=Theme*")
