@@ -470,16 +470,18 @@ IppStatus ippsFIRSR_32f(const float* src, float* dst, int n, const FirSpec* spec
         std::memset(history, 0, past * sizeof(float));
 
     const auto total = toSize(n);
-    for (std::size_t done = 0; done < total;)
+    for (std::size_t done = 0;;)
     {
         const auto length = std::min(total - done, toSize(firPieceLength));
         std::memcpy(history + past, src + done, length * sizeof(float));
         getKernels().fir(history + past, dst + done, length, taps, taps + tapsLength, tapsLength);
-        std::memmove(history, history + length, past * sizeof(float));
         done += length;
+        float* newPast = done < total ? history : dlyDst;
+        if (newPast != nullptr)
+            std::memmove(newPast, history + length, past * sizeof(float));
+        if (done == total)
+            break;
     }
-    if (dlyDst != nullptr)
-        std::memcpy(dlyDst, history, past * sizeof(float));
     return ippStsNoErr;
 }
 

@@ -20,23 +20,39 @@ namespace hn = hwy::HWY_NAMESPACE;
 //==============================================================================
 // FIR
 
-/** numVectors vectors of outputs at once: each tap is broadcast once and meets that many unaligned loads. */
-template <std::size_t numVectors, class D>
+/** numVectors vectors of outputs at once: each tap is broadcast once and meets that many unaligned loads. With
+    few vectors the taps take turns in several sums each, so that enough additions are under way to hide their
+    latency. */
+template <std::size_t numVectors, std::size_t sumsEach, class D>
 HWY_INLINE void firVectors(D d, const float* history, float* dst, const float* taps, std::size_t tapsLength)
 {
     const std::size_t lanes = hn::Lanes(d);
-    hn::VFromD<D> sums[numVectors];
-    for (auto& sum : sums)
-        sum = hn::Zero(d);
-    for (std::size_t k = 0; k < tapsLength; ++k)
+    hn::VFromD<D> sums[sumsEach][numVectors];
+    for (auto& turn : sums)
+        for (auto& sum : turn)
+            sum = hn::Zero(d);
+
+    const auto addTap = [&](std::size_t k, hn::VFromD<D>* turn)
     {
         const auto tap = hn::Set(d, taps[k]);
         const float* delayed = history - k;
         for (std::size_t v = 0; v < numVectors; ++v)
-            sums[v] = hn::MulAdd(tap, hn::LoadU(d, delayed + v * lanes), sums[v]);
-    }
+            turn[v] = hn::MulAdd(tap, hn::LoadU(d, delayed + v * lanes), turn[v]);
+    };
+    std::size_t k = 0;
+    for (; k + sumsEach <= tapsLength; k += sumsEach)
+        for (std::size_t turn = 0; turn < sumsEach; ++turn)
+            addTap(k + turn, sums[turn]);
+    for (; k < tapsLength; ++k)
+        addTap(k, sums[0]);
+
     for (std::size_t v = 0; v < numVectors; ++v)
-        hn::StoreU(sums[v], d, dst + v * lanes);
+    {
+        auto sum = sums[0][v];
+        for (std::size_t turn = 1; turn < sumsEach; ++turn)
+            sum = hn::Add(sum, sums[turn][v]);
+        hn::StoreU(sum, d, dst + v * lanes);
+    }
 }
 
 /** A single output, along the taps. */
@@ -59,20 +75,19 @@ HWY_INLINE void fir(const float* history, float* dst, std::size_t n, const float
 {
     const hn::ScalableTag<float> d;
     const std::size_t lanes = hn::Lanes(d);
-    constexpr std::size_t many = 8;
     std::size_t i = 0;
-    for (; i + many * lanes <= n; i += many * lanes)
-        firVectors<many>(d, history + i, dst + i, taps, tapsLength);
-    for (; i + 2 * lanes <= n; i += 2 * lanes)
-        firVectors<2>(d, history + i, dst + i, taps, tapsLength);
+    for (; i + 8 * lanes <= n; i += 8 * lanes)
+        firVectors<8, 1>(d, history + i, dst + i, taps, tapsLength);
+    for (; i + 4 * lanes <= n; i += 4 * lanes)
+        firVectors<4, 2>(d, history + i, dst + i, taps, tapsLength);
     for (; i + lanes <= n; i += lanes)
-        firVectors<1>(d, history + i, dst + i, taps, tapsLength);
+        firVectors<1, 4>(d, history + i, dst + i, taps, tapsLength);
     if (i == n)
         return;
     if (n >= lanes)
     {
         // The last vector overlaps the one before and computes some outputs once more.
-        firVectors<1>(d, history + n - lanes, dst + n - lanes, taps, tapsLength);
+        firVectors<1, 4>(d, history + n - lanes, dst + n - lanes, taps, tapsLength);
         return;
     }
     for (; i < n; ++i)
