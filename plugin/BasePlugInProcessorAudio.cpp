@@ -1,25 +1,22 @@
-#include "core/VectorOps.h"
 #include "core/kernels.h"
 #include "plugin/BasePlugInProcessor.h"
 
 #include <algorithm>
 #include <exception>
 #include <iostream>
-#include <stdexcept>
-#include <string>
 
 using vesk::audio::Signal32;
 
 namespace
 {
+/** 400 dB above full scale, where no signal is and from where no stage comes near the end of a float's range. */
+constexpr float largestSample = 1.0e20f;
+
 Signal32 makeSilence(int numChannels, int numSamples)
 {
     Signal32 silence(numChannels, numSamples);
     for (int channel = 0; channel < numChannels; ++channel)
-        if (const auto status = vesk::audio::ippsZero_32f(silence.getWriteChannelPtr(channel), numSamples);
-            status < 0)
-            throw std::runtime_error(std::string("IPP exception: ") +
-                                     vesk::audio::ippGetStatusString(status));
+        vesk::audio::check(vesk::audio::ippsZero_32f(silence.getWriteChannelPtr(channel), numSamples));
     return silence;
 }
 } // namespace
@@ -65,9 +62,12 @@ void BasePlugInProcessor::internalProcess(juce::AudioBuffer<float>& buffer, bool
 
     takeUpLatency(false);
 
+    // What a host hands over in error, such as memory that nobody has written, must not circulate in the
+    // engine's feedback for ever.
     Signal32 input(getTotalNumInputChannels(), numSamples);
     for (int channel = 0; channel < input.numChannels; ++channel)
-        vesk::vo::copy(buffer.getReadPointer(channel), input.getWriteChannelPtr(channel), numSamples);
+        vesk::audio::check(vesk::audio::copyBounded(buffer.getReadPointer(channel), largestSample,
+                                                    input.getWriteChannelPtr(channel), numSamples));
 
     Signal32 result;
     try

@@ -71,6 +71,9 @@ const ElementwiseKernel elementwiseKernels[] = {
          const auto exact = static_cast<float>(b[0] / a[0]);
          dst[0] = double(exact);
      }},
+    {"copyBounded", 1, 0, 1, 0.0,
+     [](const float* a, auto, float* dst, int n) { return copyBounded(a, 1.25f, dst, n); },
+     [](const double* a, auto, double* dst) { dst[0] = std::abs(a[0]) <= 1.25 ? a[0] : 0.0; }},
     {"Threshold", 1, 0, 1, 0.0,
      [](const float* a, auto, float* dst, int n)
      { return ippsThreshold_LTValGTVal_32f(a, dst, n, -0.5f, -8.0f, 0.25f, 9.0f); },
@@ -260,6 +263,27 @@ TEST_P(Kernels, MulCByOneCopiesAndByZeroZeroes)
         EXPECT_EQ(zeros, std::vector<float>(source.size(), 0.0f));
         ASSERT_EQ(ippsMulC_32f(source.data(), 0.0f, source.data(), n), ippStsNoErr);
         EXPECT_EQ(source, zeros) << "in place";
+    }
+}
+
+TEST_P(Kernels, CopyBoundedLetsNothingPassThatIsNotFinite)
+{
+    using Limits = std::numeric_limits<float>;
+    const float passing[] = {Limits::max(), Limits::lowest(), Limits::denorm_min(), -Limits::denorm_min(),
+                             -0.0f};
+    const float stopped[] = {notANumber, -notANumber, Limits::signaling_NaN(), infinity, -infinity};
+    for (const int n : {1, 5, 40})
+    {
+        std::vector<float> source(static_cast<std::size_t>(n)), copy = source;
+        for (const bool finite : {true, false})
+        {
+            for (std::size_t i = 0; i < source.size(); ++i)
+                source[i] = (finite ? passing : stopped)[i % 5];
+            ASSERT_EQ(copyBounded(source.data(), Limits::max(), copy.data(), n), ippStsNoErr);
+            for (std::size_t i = 0; i < source.size(); ++i)
+                EXPECT_EQ(std::bit_cast<std::uint32_t>(copy[i]),
+                          finite ? std::bit_cast<std::uint32_t>(source[i]) : 0u);
+        }
     }
 }
 
