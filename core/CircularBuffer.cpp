@@ -94,6 +94,14 @@ S CircularBuffer<S>::peek(int offset, int samples) const
 }
 
 template <typename S>
+const float* CircularBuffer<S>::find(int channel, int offset, int length) const
+{
+    assert(offset >= -capacity && length <= capacity);
+    const int start = (offset + capacity + readPosition) % capacity;
+    return start + length <= capacity ? buffer.getChannelPtr(channel) + start : nullptr;
+}
+
+template <typename S>
 void CircularBuffer<S>::clear()
 {
     buffer = S();

@@ -35,6 +35,10 @@ public:
     void peek(int offset, S& destination) const;
     S peek(int offset, int samples) const;
 
+    /** Where these samples lie in the ring, as peek would copy them; null if they run across the ring's end.
+        They stay until the next add. */
+    const float* find(int channel, int offset, int length) const;
+
     /** Empties the ring: no memory, no channels, positions 0. capacity and maxBlockSize stay. */
     void clear();
 

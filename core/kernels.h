@@ -202,6 +202,35 @@ IppStatus ippsFFTFwd_RToCCS_32f(const float* src, std::complex<float>* dst, cons
 IppStatus ippsFFTInv_CCSToR_32f(const std::complex<float>* src, float* dst, const FftSpec* spec,
                                 std::uint8_t* work);
 
+/** Complex transform of points in two arrays, of a specification for complex points. Exchanging the real and
+    the imaginary array on both sides gives the inverse, without division by N. In place is fine. */
+IppStatus ippsFFTFwd_CToC_32f(const float* srcRe, const float* srcIm, float* dstRe, float* dstIm,
+                              const FftSpec* spec, std::uint8_t* work);
+
+/** The spectrum of two real signals of N samples at once, of left + j right: N + 1 bins in two arrays, the
+    last one a repetition of bin 0. */
+template <typename T>
+struct StereoSpectrum
+{
+    T* re;
+    T* im;
+};
+
+/** Half the responses' spectra, N/2 + 1 bins each, from the left and the right input to the left and the right
+    output. Without the two that cross, both null, each channel is filtered by itself. */
+struct StereoFilter
+{
+    const std::complex<float>* leftToLeft;
+    const std::complex<float>* rightToRight;
+    const std::complex<float>* rightToLeft = nullptr;
+    const std::complex<float>* leftToRight = nullptr;
+};
+
+/** dst = src filtered, or dst += src filtered; N = 2 half. What is left in dst's last bin means nothing. Not in
+    place. */
+IppStatus filterStereoSpectrum_32f(StereoSpectrum<const float> src, const StereoFilter& filter,
+                                   StereoSpectrum<float> dst, int half, bool accumulate);
+
 //==============================================================================
 // FIR filters, single rate, direct form.
 

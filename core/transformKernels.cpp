@@ -50,7 +50,7 @@ struct TableSizes
     std::size_t join = 0;
     std::size_t real = 0; ///< each of cosines and sines
 
-    explicit TableSizes(std::size_t length, std::size_t available)
+    TableSizes(std::size_t length, std::size_t available, bool isReal)
     {
         const auto lanes = chooseLanes(length, available);
         if (lanes == 0)
@@ -63,7 +63,8 @@ struct TableSizes
             pass += 6 * (size / 4);
         pass = roundUp(pass);
         join = roundUp(2 * rows * (lanes - 1));
-        real = roundUp(length / 2 + 1 + lanes);
+        if (isReal)
+            real = roundUp(length / 2 + 1 + lanes);
     }
 
     static std::size_t roundUp(std::size_t floats)
@@ -126,7 +127,7 @@ IppStatus getSize(int order, int flag, bool real, int* specBytes, int* initBytes
     if (const auto status = checkTransform(order, flag); status != ippStsNoErr)
         return status;
     const auto length = getComplexLength(order, real);
-    const auto floats = TableSizes(length, getKernels().lanes).getTotal();
+    const auto floats = TableSizes(length, getKernels().lanes, real).getTotal();
     *specBytes = static_cast<int>(sizeof(FftSpec) + floats * sizeof(float) + 2 * cacheLine);
     *initBytes = 0;
     *workBytes = static_cast<int>(4 * length * sizeof(float) + cacheLine);
@@ -150,7 +151,7 @@ IppStatus init(FftSpec** spec, int order, int flag, bool real, std::uint8_t* mem
     tables.lanes = chooseLanes(tables.length, getKernels().lanes);
     tables.rows = tables.lanes > 0 ? tables.length / tables.lanes : 0;
 
-    const TableSizes sizes(tables.length, getKernels().lanes);
+    const TableSizes sizes(tables.length, getKernels().lanes, real);
     auto* pass = alignToCacheLine<float>(result + 1);
     auto* join = pass + sizes.pass;
     auto* cosines = join + sizes.join;
@@ -172,11 +173,12 @@ IppStatus init(FftSpec** spec, int order, int flag, bool real, std::uint8_t* mem
 }
 
 template <typename Src, typename Dst>
-IppStatus checkRun(const Src* src, const Dst* dst, const FftSpec* spec, const std::uint8_t* work)
+IppStatus checkRun(const Src* src, const Dst* dst, const FftSpec* spec, const std::uint8_t* work,
+                   std::uint32_t marker)
 {
     if (src == nullptr || dst == nullptr || spec == nullptr || work == nullptr)
         return ippStsNullPtrErr;
-    return spec->magic == FftSpec::realMarker ? ippStsNoErr : ippStsContextMatchErr;
+    return spec->magic == marker ? ippStsNoErr : ippStsContextMatchErr;
 }
 
 } // namespace
@@ -205,7 +207,7 @@ IppStatus ippsFFTInit_C_32fc(FftSpec** spec, int order, int flag, int, std::uint
 IppStatus ippsFFTFwd_RToCCS_32f(const float* src, std::complex<float>* dst, const FftSpec* spec,
                                 std::uint8_t* work)
 {
-    if (const auto status = checkRun(src, dst, spec, work); status != ippStsNoErr)
+    if (const auto status = checkRun(src, dst, spec, work, FftSpec::realMarker); status != ippStsNoErr)
         return status;
     if (spec->order == 0)
         dst[0] = src[0];
@@ -217,12 +219,36 @@ IppStatus ippsFFTFwd_RToCCS_32f(const float* src, std::complex<float>* dst, cons
 IppStatus ippsFFTInv_CCSToR_32f(const std::complex<float>* src, float* dst, const FftSpec* spec,
                                 std::uint8_t* work)
 {
-    if (const auto status = checkRun(src, dst, spec, work); status != ippStsNoErr)
+    if (const auto status = checkRun(src, dst, spec, work, FftSpec::realMarker); status != ippStsNoErr)
         return status;
     if (spec->order == 0)
         dst[0] = src[0].real();
     else
         spec->kernels->inverseRealTransform(src, dst, spec->tables, alignToCacheLine<float>(work));
+    return ippStsNoErr;
+}
+
+IppStatus ippsFFTFwd_CToC_32f(const float* srcRe, const float* srcIm, float* dstRe, float* dstIm,
+                              const FftSpec* spec, std::uint8_t* work)
+{
+    if (srcIm == nullptr || dstIm == nullptr)
+        return ippStsNullPtrErr;
+    if (const auto status = checkRun(srcRe, dstRe, spec, work, FftSpec::complexMarker); status != ippStsNoErr)
+        return status;
+    spec->kernels->complexTransform(srcRe, srcIm, dstRe, dstIm, spec->tables, alignToCacheLine<float>(work));
+    return ippStsNoErr;
+}
+
+IppStatus filterStereoSpectrum_32f(StereoSpectrum<const float> src, const StereoFilter& filter,
+                                   StereoSpectrum<float> dst, int half, bool accumulate)
+{
+    if (src.re == nullptr || src.im == nullptr || dst.re == nullptr || dst.im == nullptr ||
+        filter.leftToLeft == nullptr || filter.rightToRight == nullptr ||
+        (filter.rightToLeft == nullptr) != (filter.leftToRight == nullptr))
+        return ippStsNullPtrErr;
+    if (half < 1)
+        return ippStsSizeErr;
+    getKernels().filterStereo(src, filter, dst, static_cast<std::size_t>(half), accumulate);
     return ippStsNoErr;
 }
 

@@ -153,12 +153,20 @@ public:
 
 private:
     int getSize() const { return fftSize / 2; }
+    bool isPaired() const { return numChannels % 2 == 0; }
+    ComplexSignal32 transformResponse(const Signal32& padded);
     int getLead() const;
     int countFrames(int blockLength) const;
     void computeFrames(CircularBuffer<Signal32>& input, int blockLength);
     void computeSummedFrames(CircularBuffer<Signal32>& input, int blockLength);
     void transformFrame(CircularBuffer<Signal32>& input, int start);
-    void queueProduct(SignalQueue<Signal32>& queue);
+    void multiply(std::size_t response);
+    void multiplySummed();
+    void queueProduct(SignalQueue<Signal32>& queue, int channels);
+
+    // In place of inputSpectrum and productSpectrum for an even number of channels: two channels for each pair.
+    Signal32 pairSpectra;
+    Signal32 pairProducts;
 };
 
 /** The direct-form head: up to 128 taps for each response and channel, over one shared past. */

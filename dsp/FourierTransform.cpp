@@ -70,4 +70,16 @@ Signal32 FourierTransform::inverseReal(const ComplexSignal32& input)
     return output;
 }
 
+void FourierTransform::forwardStereo(const float* left, const float* right, StereoSpectrum<float> spectrum)
+{
+    ippsFFTFwd_CToC_32f(left, right, spectrum.re, spectrum.im, complexSpec, workBuffer);
+    spectrum.re[size] = spectrum.re[0];
+    spectrum.im[size] = spectrum.im[0];
+}
+
+void FourierTransform::inverseStereo(StereoSpectrum<const float> spectrum, float* left, float* right)
+{
+    ippsFFTFwd_CToC_32f(spectrum.im, spectrum.re, right, left, complexSpec, workBuffer);
+}
+
 } // namespace vesk::audio

@@ -1,5 +1,5 @@
 /**
-    Real Fourier transform over all channels of a signal, sized by its first use.
+    Fourier transform of real signals, sized by its first use.
 
     A spectrum of N real samples has N/2 + 1 bins for each channel, bin 0 (DC) to bin N/2 (Nyquist). Neither
     direction scales: forward then inverse gives N times the input, and whoever uses the pair divides where it
@@ -12,6 +12,9 @@
     One object follows whatever length comes along, but every change of length builds new tables: keep one
     object for each length. Lengths are powers of two; any other length silently gives a transform of the next
     lower one. Nothing here throws: the kernels' statuses are not looked at.
+
+    Two real signals can also go through one complex transform, as its real and its imaginary part, which is
+    the cheapest way for stereo (see StereoSpectrum in kernels.h). One object is for one of the two kinds.
 
     Thread: one at a time (the scratch memory is the object's).
 */
@@ -33,8 +36,7 @@ public:
     FourierTransform(const FourierTransform&) = delete;
     FourierTransform& operator=(const FourierTransform&) = delete;
 
-    /** Builds the tables for a length in samples. real chooses the transform of real sequences, the only one
-        that the operations below use. */
+    /** Builds the tables for a length in samples, of the transform of real sequences or of the complex one. */
     void allocate(int size, bool real);
 
     /** @param output  dimensioned by the caller, input's channels by N/2 + 1 bins, and owned by it alone */
@@ -43,6 +45,11 @@ public:
     /** @param output  dimensioned by the caller, input's channels by 2 bins - 2 samples */
     void inverseReal(const ComplexSignal32& input, Signal32& output);
     Signal32 inverseReal(const ComplexSignal32& input);
+
+    /** Of size samples each; needs allocate(size, false).
+        @param spectrum  size + 1 bins */
+    void forwardStereo(const float* left, const float* right, StereoSpectrum<float> spectrum);
+    void inverseStereo(StereoSpectrum<const float> spectrum, float* left, float* right);
 
     FftSpec* complexSpec = nullptr;
     FftSpec* realSpec = nullptr;

@@ -14,6 +14,15 @@
 #include <cstdint>
 #include <span>
 
+namespace vesk::audio
+{
+struct FeedbackFrame;
+struct FeedbackLines;
+struct StereoFilter;
+template <typename T>
+struct StereoSpectrum;
+} // namespace vesk::audio
+
 namespace vesk::audio::kernels
 {
 
@@ -52,6 +61,10 @@ struct KernelTable
 
     void (*forwardRealTransform)(const float* src, Complex* dst, const FftTables& tables, float* work);
     void (*inverseRealTransform)(const Complex* src, float* dst, const FftTables& tables, float* work);
+    void (*complexTransform)(const float* srcRe, const float* srcIm, float* dstRe, float* dstIm,
+                             const FftTables& tables, float* work);
+    void (*filterStereo)(StereoSpectrum<const float> z, const StereoFilter& filter, StereoSpectrum<float> w,
+                         std::size_t half, bool accumulate);
 
     /** dst[i] = sum over k of taps[k] history[i - k]; history points at the first sample of the block, and
         tapsLength - 1 samples before it are valid. reversedTaps holds the taps from last to first. */
@@ -60,6 +73,8 @@ struct KernelTable
 
     void (*recursive32)(const float* src, float* dst, std::size_t n, RecursiveFilter<float>& filter);
     void (*recursive64)(const double* src, double* dst, std::size_t n, RecursiveFilter<double>& filter);
+
+    void (*feedbackFrame)(FeedbackLines& lines, const FeedbackFrame& frame);
 
     /** Values of randomBlockLength from value number randomBlockLength * block on. */
     void (*gaussianBlock)(float* dst, std::uint64_t block, std::uint64_t key, float mean,

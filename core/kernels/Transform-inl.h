@@ -110,7 +110,7 @@ struct InterleavedSource
     }
 };
 
-/** Result in two arrays of scratch memory; offset counts points. */
+/** Result in two arrays; offset counts points. */
 template <class D>
 struct SplitResult
 {
@@ -120,8 +120,8 @@ struct SplitResult
     HWY_INLINE void store(std::size_t offset, ComplexVector<hn::VFromD<D>> value) const
     {
         const D d;
-        hn::Store(value.re, d, re + offset);
-        hn::Store(value.im, d, im + offset);
+        hn::StoreU(value.re, d, re + offset);
+        hn::StoreU(value.im, d, im + offset);
     }
 };
 
@@ -485,7 +485,7 @@ HWY_INLINE void tangle(D d, const FftTables& tables, const Complex* spectrum, fl
     exchangedRe[0] = dc - nyquist;
 }
 
-/** Points in two arrays, aligned. */
+/** Points in two arrays. */
 template <class D>
 struct SplitSource
 {
@@ -496,7 +496,7 @@ struct SplitSource
     {
         const D d;
         const std::size_t offset = hn::Lanes(d) * index;
-        return {hn::Load(d, re + offset), hn::Load(d, im + offset)};
+        return {hn::LoadU(d, re + offset), hn::LoadU(d, im + offset)};
     }
 };
 
@@ -542,7 +542,59 @@ HWY_INLINE void inverseDirect(const Complex* src, float* dst, const FftTables& t
     }
 }
 
+HWY_INLINE void complexDirect(const float* srcRe, const float* srcIm, float* dstRe, float* dstIm,
+                              const FftTables& tables, float* work)
+{
+    const std::size_t size = tables.length;
+    const std::size_t mask = 2 * size - 1; // the tables go in steps of half a bin
+    for (std::size_t n = 0; n < size; ++n)
+    {
+        work[2 * n] = srcRe[n];
+        work[2 * n + 1] = srcIm[n];
+    }
+    for (std::size_t k = 0; k < size; ++k)
+    {
+        float re = 0.0f;
+        float im = 0.0f;
+        for (std::size_t n = 0; n < size; ++n)
+        {
+            const float cosine = tables.realCosines[(2 * k * n) & mask];
+            const float sine = tables.realSines[(2 * k * n) & mask];
+            re += work[2 * n] * cosine - work[2 * n + 1] * sine;
+            im += work[2 * n] * sine + work[2 * n + 1] * cosine;
+        }
+        dstRe[k] = re;
+        dstIm[k] = im;
+    }
+}
+
 //==============================================================================
+
+template <std::size_t lanes>
+HWY_INLINE void complexVector(const float* srcRe, const float* srcIm, float* dstRe, float* dstIm,
+                              const FftTables& tables, float* work)
+{
+    const hn::CappedTag<float, lanes> d;
+    using D = hn::CappedTag<float, lanes>;
+    const auto rows = transformRows(d, SplitSource<D>{srcRe, srcIm}, tables, work, work + 2 * tables.length);
+    joinLanes<lanes>(d, rows, tables, SplitResult<D>{dstRe, dstIm});
+}
+
+HWY_INLINE void complexTransform(const float* srcRe, const float* srcIm, float* dstRe, float* dstIm,
+                                 const FftTables& tables, float* work)
+{
+    switch (tables.lanes)
+    {
+#if HWY_MAX_BYTES >= 64
+    case 16: return complexVector<16>(srcRe, srcIm, dstRe, dstIm, tables, work);
+#endif
+#if HWY_MAX_BYTES >= 32
+    case 8: return complexVector<8>(srcRe, srcIm, dstRe, dstIm, tables, work);
+#endif
+    case 4: return complexVector<4>(srcRe, srcIm, dstRe, dstIm, tables, work);
+    default: return complexDirect(srcRe, srcIm, dstRe, dstIm, tables, work);
+    }
+}
 
 template <std::size_t lanes>
 HWY_INLINE void forwardVector(const float* src, Complex* dst, const FftTables& tables, float* work)

@@ -16,11 +16,15 @@
 #define HWY_TARGET_INCLUDE "core/kernels/VectorKernels.cpp"
 #include "hwy/foreach_target.h" // IWYU pragma: keep
 
+#include "core/feedbackKernel.h"
+#include "core/kernels.h"
 #include "core/kernels/Tables.h"
 
 #include "core/kernels/Elementwise-inl.h"
+#include "core/kernels/Feedback-inl.h"
 #include "core/kernels/Filters-inl.h"
 #include "core/kernels/Random-inl.h"
+#include "core/kernels/StereoSpectrum-inl.h"
 #include "core/kernels/Transform-inl.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -57,9 +61,12 @@ const KernelTable& getTable()
         .lanes = hn::MaxLanes(hn::CappedTag<float, 16>()),
         .forwardRealTransform = forwardRealTransform,
         .inverseRealTransform = inverseRealTransform,
+        .complexTransform = complexTransform,
+        .filterStereo = filterStereo,
         .fir = fir,
         .recursive32 = recursive32,
         .recursive64 = recursive64,
+        .feedbackFrame = feedbackFrame,
         .gaussianBlock = gaussianBlock,
         .uniformBlock = uniformBlock,
     };

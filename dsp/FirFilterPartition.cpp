@@ -1,0 +1,254 @@
+// One overlap-save stage of a FirFilter.
+//
+// An even number of channels travels in pairs, each as one complex signal: that saves a pass over the spectra in
+// each direction, and the samples go from and to the channels' own memory. Other channel counts are transformed
+// channel by channel.
+
+#include "core/VectorOps.h"
+#include "dsp/FirFilter.h"
+
+#include <algorithm>
+#include <cassert>
+#include <utility>
+
+namespace vesk::audio
+{
+
+namespace
+{
+constexpr int roundUpToEven(int count) { return (count + 1) / 2 * 2; }
+
+/** Channels 2 pair and 2 pair + 1 hold the two arrays. */
+StereoSpectrum<float> getPair(Signal32& spectra, int pair)
+{
+    return {spectra.getWriteChannelPtr(2 * pair), spectra.getWriteChannelPtr(2 * pair + 1)};
+}
+
+StereoSpectrum<const float> asConst(StereoSpectrum<float> spectrum) { return {spectrum.re, spectrum.im}; }
+
+/** Twice the spectra of the two real signals that went into z, up to the middle bin. */
+void separate(StereoSpectrum<const float> z, int half, std::complex<float>* left, std::complex<float>* right)
+{
+    for (int k = 0; k <= half; ++k)
+    {
+        const std::complex<float> low(z.re[k], z.im[k]);
+        const std::complex<float> high(z.re[2 * half - k], -z.im[2 * half - k]);
+        left[k] = low + high;
+        right[k] = std::complex<float>(0.0f, -1.0f) * (low - high);
+    }
+}
+} // namespace
+
+FirFilter::Partition::Partition(int channels, int responses, int start, int size)
+    : numImpulseResponses(responses), numChannels(channels), fftSize(2 * size),
+      queues(static_cast<std::size_t>(responses)), irSpectra(static_cast<std::size_t>(responses)),
+      offset(start)
+{
+    fourierTransform.allocate(fftSize, !isPaired());
+}
+
+void FirFilter::Partition::setImpulseResponses(const std::vector<Signal32>& responses)
+{
+    impulseResponseLength = responses.front().numSamples;
+    // Both separate() and the product's own separation give twice the spectra.
+    const float scale = (isPaired() ? 0.25f : 1.0f) / static_cast<float>(fftSize);
+    for (std::size_t k = 0; k < irSpectra.size(); ++k)
+    {
+        // The zeros beside the slice make the circular convolution of the transform a linear one. Standing in
+        // the second half, the slice delays by half a frame.
+        Signal32 padded(numChannels, fftSize, 0.0f);
+        const int length = std::min(responses[k].numSamples - offset, getSize());
+        for (int channel = 0; channel < numChannels && length > 0; ++channel)
+            check(ippsMulC_32f(responses[k].getChannelPtr(channel) + offset, scale,
+                               padded.getWriteChannelPtr(channel) + getSize(), length));
+        irSpectra[k] = transformResponse(padded);
+    }
+}
+
+ComplexSignal32 FirFilter::Partition::transformResponse(const Signal32& padded)
+{
+    ComplexSignal32 spectra(numChannels, getSize() + 1);
+    if (isPaired())
+    {
+        Signal32 joint(2, fftSize + 1);
+        for (int channel = 0; channel < numChannels; channel += 2)
+        {
+            const auto pair = getPair(joint, 0);
+            fourierTransform.forwardStereo(padded.getChannelPtr(channel), padded.getChannelPtr(channel + 1),
+                                           pair);
+            separate(asConst(pair), getSize(), spectra.getWriteChannelPtr(channel),
+                     spectra.getWriteChannelPtr(channel + 1));
+        }
+    }
+    else
+        fourierTransform.forwardReal(padded, spectra);
+    return spectra;
+}
+
+/** How far before the current block's first sample the next frame starts. */
+int FirFilter::Partition::getLead() const
+{
+    return offset + getSize() - static_cast<int>(queues.front().numSamples);
+}
+
+int FirFilter::Partition::countFrames(int blockLength) const
+{
+    return std::max((blockLength + getLead()) / getSize() - 1, 0);
+}
+
+void FirFilter::Partition::transformFrame(CircularBuffer<Signal32>& input, int start)
+{
+    if (!isPaired())
+    {
+        timeBuffer.ensureDimensions(numChannels, fftSize);
+        inputSpectrum.ensureDimensions(numChannels, getSize() + 1);
+        input.peek(start, timeBuffer);
+        fourierTransform.forwardReal(timeBuffer, inputSpectrum);
+        return;
+    }
+
+    const bool inOnePiece = input.find(0, start, fftSize) != nullptr;
+    if (!inOnePiece)
+    {
+        timeBuffer.ensureDimensions(numChannels, fftSize);
+        input.peek(start, timeBuffer);
+    }
+    const auto getSource = [&](int channel)
+    { return inOnePiece ? input.find(channel, start, fftSize) : timeBuffer.getChannelPtr(channel); };
+
+    pairSpectra.ensureDimensions(numChannels, fftSize + 1);
+    for (int channel = 0; channel < numChannels; channel += 2)
+        fourierTransform.forwardStereo(getSource(channel), getSource(channel + 1),
+                                       getPair(pairSpectra, channel / 2));
+}
+
+/** Transforms the product back into a block whose handle shows the half that is valid, and queues it. */
+void FirFilter::Partition::queueProduct(SignalQueue<Signal32>& queue, int channels)
+{
+    Signal32 frame(isPaired() ? roundUpToEven(channels) : channels, fftSize);
+    if (isPaired())
+        for (int channel = 0; channel < channels; channel += 2)
+            fourierTransform.inverseStereo(asConst(getPair(pairProducts, channel / 2)),
+                                           frame.getWriteChannelPtr(channel),
+                                           frame.getWriteChannelPtr(channel + 1));
+    else
+        fourierTransform.inverseReal(productSpectrum, frame);
+    frame.numChannels = channels;
+    frame.numSamples = getSize();
+    queue.add(frame);
+}
+
+/** The product of the frame's spectra with those of one response, channel by channel. */
+void FirFilter::Partition::multiply(std::size_t response)
+{
+    const auto& spectra = irSpectra[response];
+    if (isPaired())
+    {
+        pairProducts.ensureDimensions(numChannels, fftSize + 1);
+        for (int channel = 0; channel < numChannels; channel += 2)
+            check(filterStereoSpectrum_32f(asConst(getPair(pairSpectra, channel / 2)),
+                                           {.leftToLeft = spectra.getChannelPtr(channel),
+                                            .rightToRight = spectra.getChannelPtr(channel + 1)},
+                                           getPair(pairProducts, channel / 2), getSize(), false));
+        return;
+    }
+    productSpectrum.ensureDimensions(numChannels, getSize() + 1);
+    for (int channel = 0; channel < numChannels; ++channel)
+        check(ippsMul_32fc(inputSpectrum.getChannelPtr(channel), spectra.getChannelPtr(channel),
+                           productSpectrum.getWriteChannelPtr(channel), getSize() + 1));
+}
+
+/** The products with all responses, summed over the input channels: one output for each response. */
+void FirFilter::Partition::multiplySummed()
+{
+    if (isPaired())
+    {
+        pairProducts.ensureDimensions(roundUpToEven(numImpulseResponses), fftSize + 1);
+        for (int k = 0; k < numImpulseResponses; k += 2)
+        {
+            // With an odd number of outputs the last one is computed twice.
+            const auto& left = irSpectra[static_cast<std::size_t>(k)];
+            const auto& right = irSpectra[static_cast<std::size_t>(std::min(k + 1, numImpulseResponses - 1))];
+            for (int channel = 0; channel < numChannels; channel += 2)
+                check(filterStereoSpectrum_32f(asConst(getPair(pairSpectra, channel / 2)),
+                                               {.leftToLeft = left.getChannelPtr(channel),
+                                                .rightToRight = right.getChannelPtr(channel + 1),
+                                                .rightToLeft = left.getChannelPtr(channel + 1),
+                                                .leftToRight = right.getChannelPtr(channel)},
+                                               getPair(pairProducts, k / 2), getSize(), channel > 0));
+        }
+        return;
+    }
+    const int numBins = getSize() + 1;
+    productSpectrum.ensureDimensions(numImpulseResponses, numBins);
+    for (int k = 0; k < numImpulseResponses; ++k)
+    {
+        const auto& spectra = irSpectra[static_cast<std::size_t>(k)];
+        auto* sum = productSpectrum.getWriteChannelPtr(k);
+        check(ippsMul_32fc(inputSpectrum.getChannelPtr(0), spectra.getChannelPtr(0), sum, numBins));
+        for (int channel = 1; channel < numChannels; ++channel)
+            check(ippsAddProduct_32fc(inputSpectrum.getChannelPtr(channel), spectra.getChannelPtr(channel),
+                                      sum, numBins));
+    }
+}
+
+void FirFilter::Partition::computeFrames(CircularBuffer<Signal32>& input, int blockLength)
+{
+    const int lead = getLead();
+    const int count = countFrames(blockLength);
+    for (int frame = 0; frame < count; ++frame)
+    {
+        transformFrame(input, frame * getSize() - lead);
+        for (std::size_t k = 0; k < queues.size(); ++k)
+        {
+            multiply(k);
+            queueProduct(queues[k], numChannels);
+        }
+    }
+}
+
+void FirFilter::Partition::computeSummedFrames(CircularBuffer<Signal32>& input, int blockLength)
+{
+    const int lead = getLead();
+    const int count = countFrames(blockLength);
+    for (int frame = 0; frame < count; ++frame)
+    {
+        transformFrame(input, frame * getSize() - lead);
+        multiplySummed();
+        queueProduct(queues.front(), numImpulseResponses);
+    }
+}
+
+void FirFilter::Partition::process(CircularBuffer<Signal32>& input, std::vector<Signal32>& outputs)
+{
+    computeFrames(input, outputs.front().numSamples);
+    for (std::size_t k = 0; k < queues.size(); ++k)
+        queues[k].get(outputs[k]);
+}
+
+void FirFilter::Partition::processAdding(CircularBuffer<Signal32>& input, std::vector<Signal32>& outputs)
+{
+    computeFrames(input, outputs.front().numSamples);
+    for (std::size_t k = 0; k < queues.size(); ++k)
+        queues[k].getAdding(outputs[k]);
+}
+
+void FirFilter::Partition::processSummed(CircularBuffer<Signal32>& input, Signal32& output)
+{
+    computeSummedFrames(input, output.numSamples);
+    queues.front().get(output);
+}
+
+void FirFilter::Partition::processSummedAdding(CircularBuffer<Signal32>& input, Signal32& output)
+{
+    computeSummedFrames(input, output.numSamples);
+    queues.front().getAdding(output);
+}
+
+void FirFilter::Partition::reset()
+{
+    for (auto& queue : queues)
+        queue.clear();
+}
+
+} // namespace vesk::audio
