@@ -81,12 +81,11 @@ Signal32 Reverberation::process(const Signal32& input, bool bypassed)
     if (bypassed || isTailFinished())
         return convertChannelFormat(input);
 
-    const Signal32 wet = createWetSignal(input);
     const float dryLevel = get(dryGain);
     const float wetLevel = get(wetGain);
-    Signal32 result = applySmoothScaling(wetLevel, previousWetGain, wet);
+    Signal32 result = applySmoothScaling(wetLevel, previousWetGain, createWetSignal(input));
     if (!isOn(muteDry))
-        result = applySmoothScaling(dryLevel, previousDryGain, convertChannelFormat(input)) + result;
+        result += applySmoothScaling(dryLevel, previousDryGain, convertChannelFormat(input));
 
     // A block of one sample has no room for a ramp: it stays at the old gains, and the next block makes the
     // change.
@@ -121,14 +120,14 @@ bool Reverberation::isTailFinished() const
 
 Signal32 Reverberation::createWetSignal(const Signal32& input)
 {
-    const Signal32 early = createEarlySignal(input);
+    Signal32 wet = createEarlySignal(input);
     const Signal32 tailInput = channelMappingNeeded ? downMixSignal(input) : input;
-
-    Signal32 wet;
     {
         const std::scoped_lock lock(tailLock);
+        if (!isOn(muteTail))
+            wet += createTailSignal(tailInput);
         // After the sum: the pre-delay holds off early reflections and tail alike.
-        wet = preDelayLine.process(isOn(muteTail) ? early : Signal32(early + createTailSignal(tailInput)));
+        wet = preDelayLine.process(wet);
     }
 
     const float spread = get(stereoSpread);
@@ -157,11 +156,17 @@ Signal32 Reverberation::createTailSignal(const Signal32& tailInput)
 }
 
 /** Gains in dB; a change is one raised-cosine ramp from block edge to block edge. */
-Signal32 Reverberation::applySmoothScaling(float gain, float previousGain, const Signal32& signal)
+Signal32 Reverberation::applySmoothScaling(float gain, float previousGain, Signal32 signal)
 {
     const float from = MathEx::fromDecibel(previousGain);
     if (gain == previousGain || signal.numSamples < 2)
-        return from * signal;
+    {
+        const bool isShared = signal.data.use_count() > 1;
+        if (isShared)
+            return from * signal;
+        signal *= from;
+        return signal;
+    }
     return SignalGenerator<float>::generateSinusRamp(outputFormat.numChannels, signal.numSamples, from,
                                                      MathEx::fromDecibel(gain)) *
            signal;

@@ -139,7 +139,7 @@ private:
     Signal32 createWetSignal(const Signal32& input);
     Signal32 createEarlySignal(const Signal32& input);
     Signal32 createTailSignal(const Signal32& tailInput);
-    Signal32 applySmoothScaling(float gain, float previousGain, const Signal32& signal);
+    Signal32 applySmoothScaling(float gain, float previousGain, Signal32 signal);
 
     // Life cycle (ReverberationLifeCycle.cpp)
     void choosePlan();
