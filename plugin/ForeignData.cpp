@@ -167,7 +167,11 @@ std::unique_ptr<juce::XmlElement> ForeignData::readXml(const juce::File& file)
     juce::MemoryBlock bytes;
     juce::FileInputStream input(file);
     input.readIntoMemoryBlock(bytes, static_cast<ssize_t>(maximumFileSize));
-    const auto text = juce::String::createStringFromData(bytes.getData(), static_cast<int>(bytes.getSize()));
+
+    // The library looks one byte behind a byte order mark that nothing follows.
+    const auto length = static_cast<int>(bytes.getSize());
+    bytes.append("", 1);
+    const auto text = toValidText(juce::String::createStringFromData(bytes.getData(), length));
     return isPlainXml(text) ? juce::parseXML(text) : nullptr;
 }
 
@@ -177,7 +181,10 @@ juce::String ForeignData::toValidText(const juce::String& text)
 {
     const auto* bytes = text.toRawUTF8();
     const auto size = static_cast<int>(std::strlen(bytes));
-    return juce::CharPointer_UTF8::isValidString(bytes, size)
-               ? text
-               : juce::String::createStringFromData(bytes, size);
+    if (!juce::CharPointer_UTF8::isValidString(bytes, size))
+        return juce::String::createStringFromData(bytes, size);
+
+    // Through characters and back: a character written in more bytes than it needs passes for valid, and one that
+    // means zero ends the text for some readers only.
+    return juce::String(text.toUTF32());
 }

@@ -29,6 +29,7 @@ std::unique_ptr<juce::XmlElement> readXml(const juce::File& file);
 /** Precondition: the text is valid. */
 bool isPlainXml(const juce::String& text);
 
-/** The text itself, or its bytes taken for Windows-1252 if they are not valid UTF-8. */
+/** The text itself, or its bytes taken for Windows-1252 if they are not valid UTF-8. Ends at the first
+    zero, however that is written. */
 juce::String toValidText(const juce::String& text);
 } // namespace ForeignData

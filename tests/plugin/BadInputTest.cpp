@@ -125,6 +125,8 @@ TEST_F(BadInputTest, StateBlocks)
     damage(whole, [&](const auto& block, const auto& what) { restore(block, what); });
     restore(std::string(100'000'000, '\0'), "zeros");
     restore(whole.substr(0, whole.size() - 4) + "\xf0", "a name that breaks off within a character");
+    restore(whole.substr(0, whole.size() - 4) + "\xc0\x80zero", "a name with a zero in two bytes");
+    EXPECT_EQ(plugIn.getCurrentPresetName(), "Default h");
     for (const float value : {NAN, INFINITY, -INFINITY, -0.0f, 1e-40f, 3e38f})
     {
         auto odd = whole;
@@ -169,6 +171,7 @@ TEST_F(BadInputTest, PresetFiles)
         {"UTF-16, low byte first", utf16(false), 3.0f},
         {"UTF-16, high byte first", utf16(true), 3.0f},
         {"UTF-8 with a mark", "\xef\xbb\xbf" + time("3"), 3.0f},
+        {"a mark alone", "\xef\xbb\xbf", 0.0f},
         {"Latin-1",
          preset("<Parameter name='Gr\xf6\xdf"
                 "e' id='2' value='3'/>"),
