@@ -174,14 +174,6 @@ TEST_F(AudioPathTest, AcceptsOneBusWithTheSameSetOnBothSides)
     EXPECT_EQ(plugIn.getChannelLimit("/usr/bin/ardour"), 8);
 }
 
-TEST_F(AudioPathTest, NamesChannelsFromOne)
-{
-    EXPECT_EQ(plugIn.getInputChannelName(0), "1");
-    EXPECT_EQ(plugIn.getOutputChannelName(1), "2");
-    EXPECT_EQ(plugIn.getName(), "Veskora Test PlugIn");
-    EXPECT_EQ(plugIn.getShortName(), "Test PlugIn");
-}
-
 TEST_F(AudioPathTest, HoldsTheOutputBackByTheLeadLatency)
 {
     engine.latency = {128, 5, 1.0};

@@ -1,4 +1,5 @@
-/** Runs the plug-in's tests with a home of their own: nobody's presets or settings are read or written. */
+/** Runs the plug-in's tests with a home of their own: nobody's presets or settings are read or written, and the texts are
+    those of the program, whatever language the user reads. */
 #include <gtest/gtest.h>
 
 #include <juce_events/juce_events.h>
@@ -11,6 +12,7 @@ int main(int argc, char** argv)
     home.createDirectory();
     setenv("HOME", home.getFullPathName().toRawUTF8(), 1);
     unsetenv("XDG_CONFIG_HOME");
+    setenv("LC_ALL", "C", 1);
 
     ::testing::InitGoogleTest(&argc, argv);
     int result = EXIT_FAILURE;

@@ -1,3 +1,4 @@
+#include "tests/plugin/TestPlugIn.h"
 #include "tests/render/TestFolder.h"
 
 #include "tools/render/ImpulseSource.h"
@@ -13,17 +14,18 @@ namespace
 constexpr double rate = 48000.0;
 
 /** Delays by a number of samples, repeats with a gain, and may declare the delay as latency. */
-class EchoProcessor : public juce::AudioProcessor
+class EchoProcessor : public TestPlugIn
 {
 public:
     EchoProcessor(int delayInSamples, float feedbackGain, bool declaresLatency)
-        : AudioProcessor(BusesProperties()
-                             .withInput("in", juce::AudioChannelSet::stereo())
-                             .withOutput("out", juce::AudioChannelSet::stereo())),
-          delay(delayInSamples), feedback(feedbackGain)
+        : delay(delayInSamples), feedback(feedbackGain)
     {
         setLatencySamples(declaresLatency ? delay : 0);
     }
+
+    void prepareToPlay(double, int) override {}
+
+    using TestPlugIn::processBlock;
 
     void processBlock(juce::AudioBuffer<float>& block, juce::MidiBuffer&) override
     {
@@ -37,28 +39,6 @@ public:
                 block.setSample(channel, i, out);
             }
     }
-
-    bool isBusesLayoutSupported(const BusesLayout& layout) const override
-    {
-        return layout.getMainInputChannels() <= 2 &&
-               layout.getMainInputChannels() == layout.getMainOutputChannels();
-    }
-
-    const juce::String getName() const override { return "echo"; }
-    void prepareToPlay(double, int) override {}
-    void releaseResources() override {}
-    double getTailLengthSeconds() const override { return 0.0; }
-    bool acceptsMidi() const override { return false; }
-    bool producesMidi() const override { return false; }
-    juce::AudioProcessorEditor* createEditor() override { return nullptr; }
-    bool hasEditor() const override { return false; }
-    int getNumPrograms() override { return 1; }
-    int getCurrentProgram() override { return 0; }
-    void setCurrentProgram(int) override {}
-    const juce::String getProgramName(int) override { return {}; }
-    void changeProgramName(int, const juce::String&) override {}
-    void getStateInformation(juce::MemoryBlock&) override {}
-    void setStateInformation(const void*, int) override {}
 
 private:
     int delay;
