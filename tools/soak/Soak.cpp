@@ -18,9 +18,10 @@ using vesk::audio::Reverberation;
 
 /** s. At the default reverb time the tail is gone and the engine at rest when the silence ends. */
 constexpr double referenceSilence = 6.0;
+constexpr double referenceStart = 0.1;
 constexpr double referenceNoise = 10.0;
 
-/** dB. The modulation's noise goes on from hour to hour and moves the level by up to a hundredth. */
+/** dB. What is left of the hour before, in the filter of the modulation's noise, moves the level by less. */
 constexpr double largestAllowedDrift = 0.05;
 
 /** MiB. The system counts pages, undo keeps some bytes for each change of program, and now and then there is a block
@@ -104,16 +105,21 @@ bool Soak::runHour(double seconds, const std::function<bool()>& isTimeUp)
     return true;
 }
 
-/** The wet signal of the default settings, from silence on. */
+/** The wet signal of the default settings. */
 void Soak::playReference()
 {
+    // A change is what makes the modulation's noise begin anew and empties the tail.
+    setAllParameters([](std::size_t index) { return parameterTable[index].minimum; });
     setAllParameters(
         [](std::size_t index)
         {
             const auto& info = parameterTable[index];
             return info.index == Reverberation::muteDry ? info.maximum : info.defaultValue;
         });
+    // From here on every hour is alike: some noise wakes the engine, which may have been at rest for long, and it
+    // is at rest again when the silence ends.
     host.rewind();
+    play(referenceStart, Host::Input::noise);
     play(referenceSilence, Host::Input::silence);
 
     const Heard heard = host.play(referenceNoise, Host::Input::noise);
