@@ -1,14 +1,15 @@
 #include "plugin/BasePlugInProcessor.h"
+#include "plugin/FallbackTypeface.h"
+#include "plugin/UserLanguage.h"
+
+#include <memory>
 
 namespace
 {
 juce::String withoutBlanks(const juce::String& text) { return text.removeCharacters(" "); }
 
-/** "de-AT" is German, too. */
-juce::String getLanguage()
-{
-    return juce::SystemStats::getDisplayLanguage().upToFirstOccurrenceOf("-", false, false);
-}
+/** The language of the texts in the program. */
+constexpr auto builtInLanguage = "en";
 } // namespace
 
 juce::PropertiesFile* BasePlugInProcessor::createPropertiesFile()
@@ -35,10 +36,25 @@ juce::PropertiesFile* BasePlugInProcessor::createPropertiesFile()
 
 void BasePlugInProcessor::initializeLocalization()
 {
-    const auto file =
-        places.getResourceFolder().getChildFile(withoutBlanks(bundleName) + "_" + getLanguage() + ".loc");
-    if (file.existsAsFile())
-        juce::LocalisedStrings::setCurrentMappings(new juce::LocalisedStrings(file, false));
+    const auto resources = places.getResourceFolder();
+    for (const auto& language : UserLanguage::getPreferred())
+    {
+        const auto file = resources.getChildFile(withoutBlanks(bundleName) + "_" + language + ".loc");
+        if (!file.existsAsFile())
+        {
+            if (language == builtInLanguage)
+                return;
+            continue;
+        }
+
+        // A translation that no font here can show is left alone: English is better than boxes.
+        auto strings = std::make_unique<juce::LocalisedStrings>(file, false);
+        const auto texts = strings->getMappings().getAllValues().joinIntoString({});
+        if (FallbackTypeface::isNeededFor(texts) && !FallbackTypeface::provide(language))
+            continue;
+        juce::LocalisedStrings::setCurrentMappings(strings.release());
+        return;
+    }
 }
 
 int BasePlugInProcessor::getVersionCode() const
@@ -59,7 +75,18 @@ juce::String BasePlugInProcessor::getHelpFilePath(const juce::String& language) 
     };
 
     const auto wanted = getPage(language);
-    return (wanted.existsAsFile() ? wanted : getPage("en")).getFullPathName();
+    return (wanted.existsAsFile() ? wanted : getPage(builtInLanguage)).getFullPathName();
 }
 
-void BasePlugInProcessor::showHelp() { juce::Process::openDocument(getHelpFilePath(getLanguage()), {}); }
+void BasePlugInProcessor::showHelp()
+{
+    const auto english = getHelpFilePath(builtInLanguage);
+    auto page = english;
+    for (const auto& language : UserLanguage::getPreferred())
+    {
+        page = getHelpFilePath(language);
+        if (page != english || language == builtInLanguage)
+            break;
+    }
+    juce::Process::openDocument(page, {});
+}

@@ -1,6 +1,7 @@
 #include "editor/themes/BaseTheme.h"
 
 #include "editor/themes/RobotoFont.h"
+#include "plugin/FallbackTypeface.h"
 
 namespace
 {
@@ -22,11 +23,14 @@ BaseTheme::BaseTheme()
 
     if (!systemHasFonts() && dynamic_cast<BaseTheme*>(&current) == nullptr)
         current.setDefaultSansSerifTypeface(createRobotoTypeface(false));
+    else if (FallbackTypeface::isProvided())
+        juce::Typeface::clearTypefaceCache();
 }
 
 juce::Colour BaseTheme::getShadowColour() { return juce::Colours::transparentBlack; }
 
 juce::Typeface::Ptr BaseTheme::getTypefaceForFont(const juce::Font& font)
 {
-    return systemHasFonts() ? LookAndFeel_V3::getTypefaceForFont(font) : createRobotoTypeface(font.isBold());
+    return FallbackTypeface::complete(systemHasFonts() ? LookAndFeel_V3::getTypefaceForFont(font)
+                                                       : createRobotoTypeface(font.isBold()));
 }

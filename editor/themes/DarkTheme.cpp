@@ -1,6 +1,7 @@
 #include "editor/themes/DarkTheme.h"
 
 #include "editor/themes/RobotoFont.h"
+#include "plugin/FallbackTypeface.h"
 
 using juce::Colour;
 using juce::ColourGradient;
@@ -156,7 +157,7 @@ void DarkTheme::getActiveBandCurveColours(Colour base, Colour& first, Colour& se
 juce::Typeface::Ptr DarkTheme::getTypefaceForFont(const juce::Font& font)
 {
     if (font.getTypefaceName() == juce::Font::getDefaultSansSerifFontName())
-        return createRobotoTypeface(font.isBold());
+        return FallbackTypeface::complete(createRobotoTypeface(font.isBold()));
 
     return BaseTheme::getTypefaceForFont(font);
 }

@@ -1,3 +1,4 @@
+#include "plugin/FallbackTypeface.h"
 #include "tests/plugin/TestPlugIn.h"
 
 #include <gtest/gtest.h>
@@ -31,6 +32,20 @@ private:
         return PlugInPlaces("Test Bundle", "").getResourceFolder();
     }
 };
+
+juce::String translationText(const juce::String& undo)
+{
+    return "language: Test\ncountries: xx\n\n\"Undo\" = \"" + undo + "\"\n";
+}
+
+/** As a new plug-in of a bundle translates it. */
+juce::String translateUndo(const juce::String& bundle)
+{
+    const TestPlugIn plugIn(bundle);
+    const auto undo = juce::translate("Undo");
+    juce::LocalisedStrings::setCurrentMappings(nullptr);
+    return undo;
+}
 } // namespace
 
 TEST(SettingsTest, VersionCodePacksThreeParts)
@@ -114,15 +129,66 @@ TEST(SettingsTest, HelpFallsBackToEnglish)
 TEST(SettingsTest, TranslationOfTheDisplayLanguageIsTakenUp)
 {
     const auto language = juce::SystemStats::getDisplayLanguage().upToFirstOccurrenceOf("-", false, false);
-    const Resource translation("TestBundle_" + language + ".loc",
-                               "language: Test\ncountries: xx\n\n\"Undo\" = \"Zurueck\"\n");
-    {
-        const TestPlugIn other("Other Bundle");
-        EXPECT_EQ(juce::translate("Undo"), "Undo");
-    }
-    {
-        const TestPlugIn plugIn;
-        EXPECT_EQ(juce::translate("Undo"), "Zurueck");
-    }
-    juce::LocalisedStrings::setCurrentMappings(nullptr);
+    const Resource translation("TestBundle_" + language + ".loc", translationText("Zurueck"));
+    EXPECT_EQ(translateUndo("Other Bundle"), "Undo");
+    EXPECT_EQ(translateUndo("Test Bundle"), "Zurueck");
 }
+
+#if JUCE_LINUX
+TEST(SettingsTest, TheEnvironmentTellsTheLanguage)
+{
+    const Resource german("TestBundle_de.loc", translationText("Zurueck"));
+    const Resource french("TestBundle_fr.loc", translationText("Annuler"));
+    struct Row
+    {
+        const char* all;
+        const char* messages;
+        const char* language;
+        juce::String undo;
+    };
+    for (const auto& row :
+         {Row{"", "de_AT.UTF-8", "", "Zurueck"}, Row{"fr_FR", "de_AT.UTF-8", "", "Annuler"},
+          Row{"C.UTF-8", "", "pt_BR:fr@euro:de", "Annuler"}, Row{"", "", "en_GB:de", "Undo"},
+          Row{"", "de", "en:fr", "Undo"}, Row{"C", "de_DE", "de", "Undo"}})
+    {
+        setenv("LC_ALL", row.all, 1);
+        setenv("LC_MESSAGES", row.messages, 1);
+        setenv("LANGUAGE", row.language, 1);
+        EXPECT_EQ(translateUndo("Test Bundle"), row.undo)
+            << row.all << ", " << row.messages << ", " << row.language;
+    }
+    for (const auto* variable : {"LC_MESSAGES", "LANGUAGE"})
+        unsetenv(variable);
+    setenv("LC_ALL", "C", 1);
+}
+
+TEST(SettingsTest, WhatNoFontCanShowIsNotTranslated)
+{
+    const auto undo = juce::String::fromUTF8("\xe5\x85\x83\xe3\x81\xab\xe6\x88\xbb\xe3\x81\x99");
+    const Resource japanese("TestBundle_ja.loc", translationText(undo));
+    setenv("LC_ALL", "ja_JP.UTF-8", 1);
+    const bool isReadable = FallbackTypeface::provide("ja");
+    EXPECT_EQ(translateUndo("Test Bundle"), isReadable ? undo : "Undo");
+    if (isReadable)
+    {
+        const juce::Typeface::Ptr usual(juce::Font().getTypefacePtr());
+        const auto completed = FallbackTypeface::complete(usual);
+        const auto outline = [](juce::Typeface& typeface, juce::juce_wchar character)
+        {
+            juce::Path path;
+            typeface.getOutlineForGlyph(static_cast<int>(character), path);
+            return path;
+        };
+        EXPECT_EQ(outline(*completed, 'A'), outline(*usual, 'A'));
+        EXPECT_FALSE(outline(*completed, undo[0]) == outline(*completed, undo[1])) << "both are boxes";
+        EXPECT_NEAR(completed->getStringWidth(undo), 0.85f * static_cast<float>(undo.length()), 0.01f);
+    }
+
+    const TemporaryFolder empty;
+    setenv("FONTCONFIG_FILE", empty.write("fonts.conf", "<fontconfig/>").getFullPathName().toRawUTF8(), 1);
+    EXPECT_EQ(translateUndo("Test Bundle"), "Undo");
+    unsetenv("FONTCONFIG_FILE");
+    setenv("LC_ALL", "C", 1);
+    EXPECT_FALSE(FallbackTypeface::isProvided());
+}
+#endif
