@@ -107,6 +107,7 @@ void PlugInEditorHeader::addButton(std::unique_ptr<ButtonType>& button, const ju
 
     // The keyboard stays with the host while the mouse is used; the tab key still gets to every button.
     button->setMouseClickGrabsKeyboardFocus(false);
+    button->setHasFocusOutline(true);
     button->addListener(this);
     addAndMakeVisible(*button);
 }

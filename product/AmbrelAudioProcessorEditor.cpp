@@ -74,9 +74,12 @@ AmbrelAudioProcessorEditor::AmbrelAudioProcessorEditor(BasePlugInProcessor* plug
     configureHeader();
     setSize(windowWidth, windowHeight);
 
-    // One look only, whatever the settings say. As the default it also reaches the popups.
-    adoptTheme(std::make_unique<ReverbTheme>());
-    juce::LookAndFeel::setDefaultLookAndFeel(theme.get());
+    // One look only, whatever the settings say. As the default it also reaches the popups, and it decides on the
+    // typefaces: those that others have handed out are forgotten before it measures a text.
+    auto look = std::make_unique<ReverbTheme>();
+    juce::Typeface::clearTypefaceCache();
+    juce::LookAndFeel::setDefaultLookAndFeel(look.get());
+    adoptTheme(std::move(look));
 
     AmbrelAudioProcessorEditor::updateParameterControls();
     plugIn->addListener(this);
@@ -108,6 +111,8 @@ void AmbrelAudioProcessorEditor::createControls()
     reverbTimeSlider->setSkewFactor(reverbTimeSkew);
     reverbTimeSlider->textFromValueFunction = [](double seconds)
     { return juce::String(juce::roundToInt(percent * seconds / longestReverbTime)) + " %"; };
+    reverbTimeSlider->valueFromTextFunction = [](const juce::String& text)
+    { return text.getDoubleValue() * longestReverbTime / percent; };
     characterKeys = std::make_unique<KeyboardSteps>(*reverbTimeSlider);
 
     reverbMixSlider = std::make_unique<juce::Slider>("reverbMixSlider");
@@ -131,6 +136,7 @@ void AmbrelAudioProcessorEditor::addControl(juce::Slider& slider, const juce::St
     slider.setTooltip(tooltip);
     slider.setWantsKeyboardFocus(true);
     slider.setMouseClickGrabsKeyboardFocus(false);
+    slider.setHasFocusOutline(true);
 }
 
 void AmbrelAudioProcessorEditor::configureHeader()

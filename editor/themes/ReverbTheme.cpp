@@ -13,6 +13,34 @@ const Colour accent{0xffd27900};
 const Colour headerFace{0xffdfe1db};
 const Colour buttonOutlineColour{0xff424142};
 
+class FocusLine : public juce::FocusOutline::OutlineWindowProperties
+{
+public:
+    explicit FocusLine(bool isAroundKnob) : isRound(isAroundKnob) {}
+
+    juce::Rectangle<int> getOutlineBounds(juce::Component& component) override
+    {
+        const auto bounds = component.getScreenBounds();
+        const int side = juce::jmin(bounds.getWidth(), bounds.getHeight());
+        return isRound ? bounds.withSizeKeepingCentre(side, side) : bounds;
+    }
+
+    void drawOutline(juce::Graphics& g, int width, int height) override
+    {
+        constexpr float lineWidth = 2.0f, cornerSize = 5.0f;
+        const auto area = juce::Rectangle<int>(width, height).toFloat().reduced(0.5f * lineWidth);
+
+        g.setColour(buttonOutlineColour);
+        if (isRound)
+            g.drawEllipse(area, lineWidth);
+        else
+            g.drawRoundedRectangle(area, cornerSize, lineWidth);
+    }
+
+private:
+    const bool isRound;
+};
+
 } // namespace
 
 ReverbTheme::ReverbTheme() { themes::setLightColours(*this, {.control = accent, .buttonOn = accent}); }
@@ -125,4 +153,11 @@ void ReverbTheme::drawGroupComponentOutline(juce::Graphics& g, int width, int he
 {
     themes::drawLightGroup(g, width, height, text, groupCaptionSize,
                            group.findColour(juce::GroupComponent::textColourId));
+}
+
+std::unique_ptr<juce::FocusOutline> ReverbTheme::createFocusOutlineForComponent(juce::Component& component)
+{
+    const auto* slider = dynamic_cast<juce::Slider*>(&component);
+    return std::make_unique<juce::FocusOutline>(
+        std::make_unique<FocusLine>(slider != nullptr && slider->isRotary()));
 }

@@ -39,6 +39,9 @@ public:
                                    const juce::Justification& justification,
                                    juce::GroupComponent& group) override;
 
+    /** A dark line around what has the keyboard: on a white button the stronger colours alone do not tell. */
+    std::unique_ptr<juce::FocusOutline> createFocusOutlineForComponent(juce::Component& component) override;
+
 private:
     float groupCaptionSize = groupCaptionHeight;
     juce::Font titleFont{titleFontHeight, juce::Font::bold};

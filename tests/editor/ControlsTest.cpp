@@ -314,7 +314,7 @@ TEST(IconButtonTest, textStandsRightOfTheIcon)
     const int text = juce::Font().getStringWidth("Text");
     const int icon = button.getIconWidth(12);
     const int left = (120 - icon - 6 - text) / 2;
-    EXPECT_GT(countDark(picture, {left, 6, icon, 12}), 30);
-    EXPECT_EQ(countDark(picture, {left + icon + 1, 4, 4, 16}), 0) << "the gap";
-    EXPECT_GT(countDark(picture, {left + icon + 6, 4, text, 16}), 20);
+    EXPECT_GT(count(picture, {left, 6, icon, 12}, isDark), 30);
+    EXPECT_EQ(count(picture, {left + icon + 1, 4, 4, 16}, isDark), 0) << "the gap";
+    EXPECT_GT(count(picture, {left + icon + 6, 4, text, 16}, isDark), 20);
 }

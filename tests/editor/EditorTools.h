@@ -3,11 +3,12 @@
 
 #include "product/AmbrelAudioProcessor.h"
 #include "product/AmbrelAudioProcessorEditor.h"
+#include "tests/artwork/Picture.h"
 #include "tests/plugin/TestPlugIn.h"
 
 #include <gtest/gtest.h>
 
-#include <cmath>
+#include <cstdlib>
 #include <utility>
 #include <vector>
 
@@ -81,25 +82,19 @@ inline juce::String describe(const juce::PopupMenu& menu, const juce::String& in
     return text;
 }
 
-/** Largest difference of two colours in any channel, alpha left out. */
-inline int difference(juce::Colour a, juce::Colour b)
+/** The texts as they stand in the code, whatever the machine's language. A processor made after this loads no
+    translation. */
+struct InEnglish
 {
-    return juce::jmax(std::abs(a.getRed() - b.getRed()), std::abs(a.getGreen() - b.getGreen()),
-                      std::abs(a.getBlue() - b.getBlue()));
-}
-
-/** Number of pixels of an area that are darker than half of white. */
-inline int countDark(const juce::Image& picture, juce::Rectangle<int> area)
-{
-    int dark = 0;
-    for (int y = area.getY(); y < area.getBottom(); ++y)
-        for (int x = area.getX(); x < area.getRight(); ++x)
-            dark += picture.getPixelAt(x, y).getPerceivedBrightness() < 0.5f ? 1 : 0;
-    return dark;
-}
+    InEnglish()
+    {
+        setenv("LC_ALL", "C", 1);
+        juce::LocalisedStrings::setCurrentMappings(nullptr);
+    }
+};
 
 /** The product with presets of its own in folders that go away with it. */
-class AmbrelWithPresets : public AmbrelAudioProcessor
+class AmbrelWithPresets : private InEnglish, public AmbrelAudioProcessor
 {
 public:
     AmbrelWithPresets()

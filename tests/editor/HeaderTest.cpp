@@ -166,13 +166,14 @@ TEST_F(HeaderTest, comparisonSwitchesTheSettingsOnceAndShowsTheCopysDirection)
         return copy.createComponentSnapshot(copy.getLocalBounds());
     };
     const auto arrowOnA = arrow();
-    const auto isSame = [](const juce::Image& left, const juce::Image& right)
+    const auto isArrowOfA = [&]
     {
-        for (int y = 0; y < left.getHeight(); ++y)
-            for (int x = 0; x < left.getWidth(); ++x)
-                if (left.getPixelAt(x, y) != right.getPixelAt(x, y))
-                    return false;
-        return true;
+        const auto now = arrow();
+        bool isSame = true;
+        forEachPixel(now, now.getBounds(),
+                     [&](int x, int y, juce::Colour colour)
+                     { isSame = isSame && colour == arrowOnA.getPixelAt(x, y); });
+        return isSame;
     };
 
     processor.setParameter(0, 0.25f);
@@ -185,16 +186,16 @@ TEST_F(HeaderTest, comparisonSwitchesTheSettingsOnceAndShowsTheCopysDirection)
     EXPECT_EQ(processor.getParameter(0), 0.25f);
     EXPECT_FALSE(a.getToggleState());
     EXPECT_TRUE(b.getToggleState());
-    EXPECT_FALSE(isSame(arrow(), arrowOnA));
+    EXPECT_FALSE(isArrowOfA());
     click(b);
     EXPECT_EQ(processor.getParameter(0), 0.25f);
 
     click(a);
     EXPECT_EQ(processor.getParameter(0), 0.5f);
-    EXPECT_TRUE(isSame(arrow(), arrowOnA));
+    EXPECT_TRUE(isArrowOfA());
 
     click(copy);
-    EXPECT_TRUE(isSame(arrow(), arrowOnA));
+    EXPECT_TRUE(isArrowOfA());
     click(b);
     EXPECT_EQ(processor.getParameter(0), 0.5f) << "copied";
     EXPECT_TRUE(processor.undoStates.empty());
@@ -272,34 +273,24 @@ TEST(BaseEditorTest, presetMenuShowsFoldersAndPresets)
     EXPECT_EQ(describe(menu), "");
 }
 
-TEST(AboutDialogTest, showsNameVersionAndNoticeInFull)
+TEST(AboutDialogTest, showsNameAndVersionAndGoesAtOk)
 {
     AboutDialog about;
     about.setPlugInName("Ambrel");
     juce::Component window;
     window.addAndMakeVisible(about);
+    EXPECT_EQ(about.getBounds(), juce::Rectangle<int>(400, 240));
 
-    juce::StringArray texts;
+    juce::String texts;
     for (auto* child : about.getChildren())
         if (const auto* label = dynamic_cast<juce::Label*>(child))
-        {
-            texts.add(label->getText());
-            for (const auto& line : juce::StringArray::fromLines(label->getText()))
-                EXPECT_LE(label->getFont().getStringWidthFloat(line),
-                          static_cast<float>(label->getWidth() - label->getBorderSize().getLeftAndRight()))
-                    << line;
-        }
-    EXPECT_EQ(texts.size(), 4);
-    for (const auto* text : {"Veskora", "Ambrel", "Version " AMBREL_VERSION})
-        EXPECT_TRUE(texts.contains(text)) << text;
+            texts << "|" << label->getText().upToFirstOccurrenceOf("\n", false, false);
+    EXPECT_EQ(texts, "|Version " AMBREL_VERSION "|Copyright Veskora. Free software under|Veskora|Ambrel");
 
-    EXPECT_EQ(about.getBounds(), juce::Rectangle<int>(400, 240));
-    EXPECT_EQ(findChild<juce::Label>(about, "versionLabel").getBounds(),
-              juce::Rectangle<int>(16, 112, 368, 24));
     const auto picture = about.createComponentSnapshot(about.getLocalBounds());
     EXPECT_EQ(picture.getPixelAt(2, 2), juce::Colours::white);
-    EXPECT_GT(countDark(picture, {13, 64, 200, 46}), 200) << "the product's name";
-    EXPECT_EQ(countDark(picture, {13, 110, 371, 2}), 0) << "cut at its foot";
+    EXPECT_GT(count(picture, {13, 64, 200, 46}, isDark), 200) << "the product's name";
+    EXPECT_EQ(count(picture, {13, 110, 371, 2}, isDark), 0) << "cut at its foot";
 
     click(findChild<juce::Button>(about, "okButton"));
     EXPECT_FALSE(window.isVisible());

@@ -4,10 +4,9 @@
 #include "editor/themes/DarkTheme.h"
 #include "editor/themes/ReverbTheme.h"
 #include "editor/themes/SteelTheme.h"
+#include "tests/artwork/Picture.h"
 
 #include <gtest/gtest.h>
-
-#include <cmath>
 
 namespace themeTest
 {
@@ -60,17 +59,12 @@ juce::Image draw(int width, int height, Draw drawing)
     return image;
 }
 
-/** Alpha, red, green and blue each within the tolerance; the others do not count where alpha is 0. */
+/** Every channel within the tolerance; without alpha the others do not count. */
 inline ::testing::AssertionResult isNear(Colour actual, Colour expected, int tolerance = 3)
 {
-    const auto differs = [=](auto a, auto b) { return std::abs(int(a) - int(b)) > tolerance; };
-
-    if (differs(actual.getAlpha(), expected.getAlpha()) ||
-        (expected.getAlpha() > 0 &&
-         (differs(actual.getRed(), expected.getRed()) || differs(actual.getGreen(), expected.getGreen()) ||
-          differs(actual.getBlue(), expected.getBlue()))))
+    const bool isClear = expected.getAlpha() == 0 && actual.getAlpha() <= tolerance;
+    if (!isClear && difference(actual, expected) > tolerance)
         return ::testing::AssertionFailure() << "is " << actual.toString() << ", not " << expected.toString();
-
     return ::testing::AssertionSuccess();
 }
 

@@ -8,10 +8,11 @@ class WindowTest : public ::testing::Test
 protected:
     WindowTest() { open(); }
 
+    /** As hosts do it, so that the processor knows of the window and leaves costly changes to it. */
     void open()
     {
         window.reset();
-        window = std::make_unique<AmbrelAudioProcessorEditor>(&processor);
+        window.reset(dynamic_cast<AmbrelAudioProcessorEditor*>(processor.createEditorIfNeeded()));
         header = &findChild<PlugInEditorHeader>(*window);
         knob = &findChild<ParameterSlider>(*window, "reverbTimeSlider");
         fader = &findChild<juce::Slider>(*window, "reverbMixSlider");

@@ -1,0 +1,187 @@
+// Texts: all are there, and none is cut. The suite's name has it run once more on a system without any font.
+
+#include "editor/AboutDialog.h"
+#include "tests/editor/ThemePictures.h"
+#include "tests/editor/WindowTest.h"
+
+namespace
+{
+class ThemeTexts : public WindowTest
+{
+protected:
+    ~ThemeTexts() override { juce::LocalisedStrings::setCurrentMappings(nullptr); }
+
+    static juce::File resources()
+    {
+        return juce::File::getCurrentWorkingDirectory().getChildFile(__FILE__).getChildFile(
+            "../../../resources");
+    }
+
+    void expectToFit(const juce::TextButton& button, const juce::String& text)
+    {
+        constexpr float margins = 10.0f;
+        auto& look = button.getLookAndFeel();
+        auto font = look.getTextButtonFont(const_cast<juce::TextButton&>(button), button.getHeight());
+        EXPECT_LE(font.getStringWidthFloat(text), static_cast<float>(button.getWidth()) - margins) << text;
+    }
+
+    static void expectToFit(const juce::Label& label)
+    {
+        const auto lines = juce::StringArray::fromLines(label.getText());
+        const auto room = label.getBorderSize().subtractedFrom(label.getLocalBounds()).toFloat();
+        for (const auto& line : lines)
+            EXPECT_LE(label.getFont().getStringWidthFloat(line), room.getWidth()) << line;
+        EXPECT_LE(label.getFont().getHeight() * static_cast<float>(lines.size()),
+                  static_cast<float>(label.getHeight()))
+            << label.getText();
+    }
+
+    void expectToolTipToFit(juce::Component& component)
+    {
+        constexpr int threeLines = 48;
+        const auto tip = dynamic_cast<juce::TooltipClient&>(component).getTooltip();
+        EXPECT_TRUE(tip.isNotEmpty()) << component.getName();
+        const auto bounds = window->getLookAndFeel().getTooltipBounds(tip, {}, {10000, 10000});
+        EXPECT_LE(bounds.getWidth(), window->getWidth()) << tip;
+        EXPECT_LE(bounds.getHeight(), threeLines) << tip;
+    }
+
+    void expectToFit(const juce::PopupMenu& menu)
+    {
+        for (juce::PopupMenu::MenuItemIterator iterator(menu, true); iterator.next();)
+        {
+            const auto& item = iterator.getItem();
+            int width = 0, height = 0;
+            window->getLookAndFeel().getIdealPopupMenuItemSize(item.text, item.isSeparator, -1, width,
+                                                               height);
+            EXPECT_LE(width, window->getWidth()) << item.text;
+        }
+    }
+};
+} // namespace
+
+TEST_F(ThemeTexts, fitTheirBoxesInEveryLanguage)
+{
+    auto translations = resources().getChildFile("translations").findChildFiles(juce::File::findFiles, false);
+    EXPECT_GE(translations.size(), 7);
+    translations.add({}); // English
+
+    for (const auto& translation : translations)
+    {
+        SCOPED_TRACE(translation.getFileName());
+        juce::LocalisedStrings::setCurrentMappings(
+            translation.existsAsFile() ? new juce::LocalisedStrings(translation, false) : nullptr);
+        open();
+
+        for (auto* button : header->getChildren())
+            expectToolTipToFit(*button);
+        expectToolTipToFit(*knob);
+        expectToolTipToFit(*fader);
+
+        expectToFit(findChild<juce::TextButton>(*header, "currentPresetButton"), juce::translate("Default"));
+        expectToFit(findChild<juce::TextButton>(*header, "aSettingsButton"), juce::translate("A"));
+        expectToFit(findChild<juce::TextButton>(*header, "bSettingsButton"), juce::translate("B"));
+        expectToFit(header->getPlugInMenu());
+        expectToFit(window->getPresetMenu());
+
+        AboutDialog about;
+        about.setPlugInName("Ambrel");
+        expectToFit(findChild<juce::TextButton>(about, "okButton"), juce::translate("OK"));
+        for (auto* child : about.getChildren())
+            if (const auto* label = dynamic_cast<juce::Label*>(child))
+                expectToFit(*label);
+    }
+}
+
+TEST_F(ThemeTexts, presetsAndTitleFitTheHeader)
+{
+    auto& name = findChild<juce::TextButton>(*header, "currentPresetButton");
+    const auto presets =
+        resources().getChildFile("presets").findChildFiles(juce::File::findFiles, true, "*.xml");
+    EXPECT_GE(presets.size(), 20);
+    for (const auto& preset : presets)
+        expectToFit(name, preset.getFileNameWithoutExtension());
+
+    const auto title = juce::roundToInt(juce::Font(24.0f, juce::Font::bold).getStringWidthFloat("Ambrel"));
+    EXPECT_GT(title, 50);
+    EXPECT_LE(120 + title, findChild<juce::Button>(*header, "previousPresetButton").getX());
+    const auto image = picture();
+    EXPECT_GT(count(image, {120 + title - 10, 4, 12, 30}, isDark), 5) << "the title's last letter";
+
+    // Bold, where the system has no fonts as well, although plain ones were measured before.
+    const auto plain = juce::Font(24.0f).getStringWidthFloat("Ambrel");
+    EXPECT_GT(dynamic_cast<BaseTheme&>(window->getLookAndFeel()).getTitleWidth("Ambrel"), 1.01f * plain);
+
+    processor.setCurrentPresetName("Default hall");
+    header->updatePresetName();
+    const auto bounds = name.getBounds().reduced(30, 3);
+    EXPECT_GT(count(picture(), bounds, isDark), count(image, bounds, isDark) + 60) << "the preset's name";
+}
+
+TEST_F(ThemeTexts, showInMenusTooltipsButtonsAndLabels)
+{
+    window.reset();
+    for (const std::string name : {"dark", "steel", "reverb"})
+    {
+        SCOPED_TRACE(name);
+        // A window that is being opened measures its title before its theme is the default.
+        EXPECT_GT(themeTest::makeTheme(name)->getTitleWidth("Veskora"), 50.0f);
+
+        const themeTest::ThemeInUse theme(name);
+        const auto measure = [](const juce::Font& font) { return font.getStringWidthFloat("Veskora"); };
+        EXPECT_GT(measure({"No Such Typeface", 20.0f, juce::Font::plain}), 40.0f);
+        EXPECT_GT(measure(juce::Font(20.0f, juce::Font::bold)), 1.01f * measure(juce::Font(20.0f)));
+        EXPECT_TRUE(name != "dark" || juce::Font(20.0f).getTypefacePtr()->getName() == "Roboto");
+
+        using Draw = std::function<void(juce::Graphics&, const juce::String&)>;
+        const auto ink = [](const Draw& draw)
+        {
+            constexpr int width = 200, height = 30;
+            const auto render = [&](const juce::String& text)
+            {
+                return themeTest::draw(width, height,
+                                       [&](auto& g)
+                                       {
+                                           g.fillAll(juce::Colours::grey);
+                                           draw(g, text);
+                                       });
+            };
+            const auto blank = render(" "), written = render("Veskora");
+            int different = 0;
+            forEachPixel(blank, blank.getBounds(),
+                         [&](int x, int y, juce::Colour colour)
+                         { different += difference(colour, written.getPixelAt(x, y)) > 60 ? 1 : 0; });
+            return different;
+        };
+        const auto component = [](auto make)
+        {
+            return [make](juce::Graphics& g, const juce::String& text)
+            {
+                auto shown = make(text);
+                shown->setSize(200, 30);
+                shown->paintEntireComponent(g, false);
+            };
+        };
+        const juce::Rectangle<int> area(200, 30);
+        const std::pair<const char*, Draw> places[] = {
+            {"menu",
+             [&](auto& g, auto& text) {
+                 theme->drawPopupMenuItem(g, area, false, true, false, false, false, text, {}, nullptr,
+                                          nullptr);
+             }},
+            {"section", [&](auto& g, auto& text) { theme->drawPopupMenuSectionHeader(g, area, text); }},
+            {"tooltip", [&](auto& g, auto& text) { theme->drawTooltip(g, text, 200, 30); }},
+            {"button", component([](auto& text) { return std::make_unique<juce::TextButton>(text); })},
+            {"label",
+             component([](auto& text) { return std::make_unique<juce::Label>(juce::String(), text); })},
+            {"combo box", component(
+                              [](auto& text)
+                              {
+                                  auto box = std::make_unique<juce::ComboBox>();
+                                  box->setText(text, juce::dontSendNotification);
+                                  return box;
+                              })}};
+        for (const auto& [place, draw] : places)
+            EXPECT_GT(ink(draw), 50) << place;
+    }
+}
