@@ -141,6 +141,22 @@ void FirFilter::updatePartitions()
         partition->setImpulseResponses(impulseResponses);
         offset += size;
     }
+    linkPartitions();
+}
+
+/** Lets each partition use the spectra of the first one of its size that computes its frames at once. */
+void FirFilter::linkPartitions()
+{
+    for (auto& partition : partitions)
+    {
+        const auto isTwin = [&](const auto& other)
+        { return other->fftSize == partition->fftSize && !other->hasSlack(); };
+        const auto first = std::find_if(partitions.begin(), partitions.end(), isTwin);
+        if (blockPartition != nullptr && isTwin(blockPartition))
+            partition->setTwin(blockPartition.get());
+        else
+            partition->setTwin(first != partitions.end() && *first != partition ? first->get() : nullptr);
+    }
 }
 
 //==============================================================================
@@ -180,6 +196,7 @@ void FirFilter::updateBlockSize(int length)
             partition->reset();
         partition->active = runs;
     }
+    linkPartitions();
 }
 
 void FirFilter::beginBlock(const Signal32& block)
@@ -195,26 +212,57 @@ void FirFilter::beginBlock(const Signal32& block)
     updateBlockSize(block.numSamples);
 }
 
-void FirFilter::endBlock(int length) { input.readPosition = (input.readPosition + length) % input.capacity; }
-
-void FirFilter::computeMultiple(const Signal32& block)
+void FirFilter::endBlock(int length)
 {
-    beginBlock(block);
-    results.resize(static_cast<std::size_t>(numImpulseResponses));
+    input.readPosition = (input.readPosition + length) % input.capacity;
+    position += length;
+}
 
-    if (blockPartition != nullptr)
+/** Frames that are needed now first; then, if they were few, a step of those that may wait. */
+void FirFilter::runPartitions(const Block& block, std::span<Signal32> outputs)
+{
+    int samplesComputed = 0;
+    Partition* mostUrgent = nullptr;
+    for (auto& partition : partitions)
     {
-        for (auto& result : results)
-            result = Signal32(numChannels, block.numSamples);
-        blockPartition->process(input, results);
+        if (!partition->active)
+            continue;
+        // Of frames that are no longer than the block each block has one, and there is nothing to spread.
+        if (!partition->hasSlack() || partition->fftSize <= 2 * block.length)
+        {
+            samplesComputed += partition->computeReadyFrames(block) * partition->fftSize;
+            continue;
+        }
+        partition->computeDueFrames(block);
+        const auto queued = [](const Partition& p) { return p.queues.front().numSamples; };
+        if (partition->countReadyFrames(block) > 0 &&
+            (mostUrgent == nullptr || queued(*partition) < queued(*mostUrgent)))
+            mostUrgent = partition.get();
     }
-    else
-        directFilter->process(block, results);
+    if (mostUrgent != nullptr && samplesComputed <= 2 * std::max(block.length, headLength))
+        mostUrgent->advanceReadyFrame(block);
 
     for (auto& partition : partitions)
         if (partition->active)
-            partition->processAdding(input, results);
-    endBlock(block.numSamples);
+            partition->addOutputs(outputs);
+}
+
+void FirFilter::computeMultiple(const Signal32& samples)
+{
+    beginBlock(samples);
+    results.resize(static_cast<std::size_t>(numImpulseResponses));
+    const Block block{.input = input, .start = position, .length = samples.numSamples, .summed = false};
+    if (blockPartition != nullptr)
+    {
+        for (auto& result : results)
+            result = Signal32(numChannels, samples.numSamples);
+        blockPartition->computeReadyFrames(block);
+        blockPartition->getOutputs(results);
+    }
+    else
+        directFilter->process(samples, results);
+    runPartitions(block, results);
+    endBlock(samples.numSamples);
 }
 
 Signal32 FirFilter::process(const Signal32& block)
@@ -229,22 +277,21 @@ std::vector<Signal32> FirFilter::processMultiple(const Signal32& block)
     return std::move(results);
 }
 
-Signal32 FirFilter::processSummed(const Signal32& block)
+Signal32 FirFilter::processSummed(const Signal32& samples)
 {
-    beginBlock(block);
+    beginBlock(samples);
+    const Block block{.input = input, .start = position, .length = samples.numSamples, .summed = true};
     Signal32 result;
     if (blockPartition != nullptr)
     {
-        result = Signal32(numImpulseResponses, block.numSamples);
-        blockPartition->processSummed(input, result);
+        result = Signal32(numImpulseResponses, samples.numSamples);
+        blockPartition->computeReadyFrames(block);
+        blockPartition->getOutputs({&result, 1});
     }
     else
-        result = directFilter->processSummed(block);
-
-    for (auto& partition : partitions)
-        if (partition->active)
-            partition->processSummedAdding(input, result);
-    endBlock(block.numSamples);
+        result = directFilter->processSummed(samples);
+    runPartitions(block, {&result, 1});
+    endBlock(samples.numSamples);
     return result;
 }
 
@@ -253,6 +300,8 @@ void FirFilter::reset()
     input.clear();
     for (auto& partition : partitions)
         partition->reset();
+    if (blockPartition != nullptr)
+        blockPartition->forgetSpectrum();
     directFilter->reset();
 }
 

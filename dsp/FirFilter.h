@@ -17,6 +17,8 @@
     are not mixed on one object.
 
     Load distribution inserts half-size partitions, so that large frames do not all fall on the same block.
+    Partitions behind such a one have time between the end of a frame and the use of its results: their work is
+    done in steps, in blocks that have little else to do.
 
     Cost: grows with the logarithm of the response length. Thread: one at a time.
 */
@@ -30,6 +32,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <vector>
 
 namespace vesk::audio
@@ -40,6 +43,15 @@ class FirFilter
 public:
     class Partition;
     class IppFirFilter;
+
+    /** What the partitions are to work on. */
+    struct Block
+    {
+        CircularBuffer<Signal32>& input; ///< readPosition marks the block's first sample
+        std::int64_t start;              ///< of the block, in samples of the stream
+        int length;
+        bool summed; ///< over the input channels, as processSummed does
+    };
 
     /** Taps of the direct head, and the size of the smallest partition. */
     static constexpr int headLength = 128;
@@ -95,11 +107,14 @@ private:
     void updateBlockSize(int length);
     void createBlockPartition();
     int getLookBack() const;
+    void linkPartitions();
     void beginBlock(const Signal32& block);
     void endBlock(int length);
     void computeMultiple(const Signal32& block);
+    void runPartitions(const Block& block, std::span<Signal32> outputs);
 
     std::vector<Signal32> results; ///< of the present block, one for each response
+    std::int64_t position = 0;     ///< samples of the stream before the present block
 };
 
 //==============================================================================
@@ -126,12 +141,38 @@ public:
     /** Result k, as long as outputs[0], for each response; input.readPosition marks the block's start. */
     void process(CircularBuffer<Signal32>& input, std::vector<Signal32>& outputs);
 
-    /** The same, added onto the outputs. */
-    void processAdding(CircularBuffer<Signal32>& input, std::vector<Signal32>& outputs);
-
     /** Channel k of output is the sum over the input channels for response k. */
     void processSummed(CircularBuffer<Signal32>& input, Signal32& output);
-    void processSummedAdding(CircularBuffer<Signal32>& input, Signal32& output);
+
+    // The same in steps, for a FirFilter that chooses when the work is done.
+
+    /** Whether results may wait: the slice starts later in the response than its frames end. */
+    bool hasSlack() const { return offset > fftSize / 2; }
+
+    /** Frames whose input is complete. */
+    int countReadyFrames(const Block& block) const;
+
+    /** Computes and queues them.
+        @returns how many */
+    int computeReadyFrames(const Block& block);
+
+    /** Only those without which the block's output would be incomplete. */
+    void computeDueFrames(const Block& block);
+
+    /** Takes the next ready frame one step on: its spectrum first, its output second. */
+    void advanceReadyFrame(const Block& block);
+
+    /** Moves the block's output into outputs, or adds it to them: one for each response, in summed mode one
+        alone. */
+    void getOutputs(std::span<Signal32> outputs);
+    void addOutputs(std::span<Signal32> outputs);
+
+    /** Another partition of this size that comes first in each block, or null. Where it transforms the same
+        frame its spectrum serves both. */
+    void setTwin(const Partition* partition) { twin = partition; }
+
+    /** The input history is another one now. */
+    void forgetSpectrum() { hasSpectrum = false; }
 
     /** Drops what is queued. */
     void reset();
@@ -156,17 +197,23 @@ private:
     bool isPaired() const { return numChannels % 2 == 0; }
     ComplexSignal32 transformResponse(const Signal32& padded);
     int getLead() const;
-    int countFrames(int blockLength) const;
-    void computeFrames(CircularBuffer<Signal32>& input, int blockLength);
-    void computeSummedFrames(CircularBuffer<Signal32>& input, int blockLength);
+    bool isSpectrumOf(std::int64_t frameStart) const { return hasSpectrum && spectrumStart == frameStart; }
+    const Partition& getSpectrumSource(std::int64_t frameStart) const;
+    void prepareSpectrum(const Block& block);
+    void finishFrame(const Block& block);
     void transformFrame(CircularBuffer<Signal32>& input, int start);
-    void multiply(std::size_t response);
-    void multiplySummed();
+    void multiply(const Partition& source, std::size_t response);
+    void multiplySummed(const Partition& source);
     void queueProduct(SignalQueue<Signal32>& queue, int channels);
 
     // In place of inputSpectrum and productSpectrum for an even number of channels: two channels for each pair.
     Signal32 pairSpectra;
     Signal32 pairProducts;
+
+    // Which frame the spectrum belongs to.
+    bool hasSpectrum = false;
+    std::int64_t spectrumStart = 0;
+    const Partition* twin = nullptr;
 };
 
 /** The direct-form head: up to 128 taps for each response and channel, over one shared past. */

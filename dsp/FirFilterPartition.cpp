@@ -24,6 +24,11 @@ StereoSpectrum<float> getPair(Signal32& spectra, int pair)
     return {spectra.getWriteChannelPtr(2 * pair), spectra.getWriteChannelPtr(2 * pair + 1)};
 }
 
+StereoSpectrum<const float> getPair(const Signal32& spectra, int pair)
+{
+    return {spectra.getChannelPtr(2 * pair), spectra.getChannelPtr(2 * pair + 1)};
+}
+
 StereoSpectrum<const float> asConst(StereoSpectrum<float> spectrum) { return {spectrum.re, spectrum.im}; }
 
 /** Twice the spectra of the two real signals that went into z, up to the middle bin. */
@@ -45,6 +50,8 @@ FirFilter::Partition::Partition(int channels, int responses, int start, int size
       offset(start)
 {
     fourierTransform.allocate(fftSize, !isPaired());
+    if (isPaired())
+        pairSpectra = Signal32(numChannels, fftSize + 1);
 }
 
 void FirFilter::Partition::setImpulseResponses(const std::vector<Signal32>& responses)
@@ -91,9 +98,9 @@ int FirFilter::Partition::getLead() const
     return offset + getSize() - static_cast<int>(queues.front().numSamples);
 }
 
-int FirFilter::Partition::countFrames(int blockLength) const
+int FirFilter::Partition::countReadyFrames(const Block& block) const
 {
-    return std::max((blockLength + getLead()) / getSize() - 1, 0);
+    return std::max((block.length + getLead()) / getSize() - 1, 0);
 }
 
 void FirFilter::Partition::transformFrame(CircularBuffer<Signal32>& input, int start)
@@ -139,14 +146,14 @@ void FirFilter::Partition::queueProduct(SignalQueue<Signal32>& queue, int channe
 }
 
 /** The product of the frame's spectra with those of one response, channel by channel. */
-void FirFilter::Partition::multiply(std::size_t response)
+void FirFilter::Partition::multiply(const Partition& source, std::size_t response)
 {
     const auto& spectra = irSpectra[response];
     if (isPaired())
     {
         pairProducts.ensureDimensions(numChannels, fftSize + 1);
         for (int channel = 0; channel < numChannels; channel += 2)
-            check(filterStereoSpectrum_32f(asConst(getPair(pairSpectra, channel / 2)),
+            check(filterStereoSpectrum_32f(getPair(source.pairSpectra, channel / 2),
                                            {.leftToLeft = spectra.getChannelPtr(channel),
                                             .rightToRight = spectra.getChannelPtr(channel + 1)},
                                            getPair(pairProducts, channel / 2), getSize(), false));
@@ -154,12 +161,12 @@ void FirFilter::Partition::multiply(std::size_t response)
     }
     productSpectrum.ensureDimensions(numChannels, getSize() + 1);
     for (int channel = 0; channel < numChannels; ++channel)
-        check(ippsMul_32fc(inputSpectrum.getChannelPtr(channel), spectra.getChannelPtr(channel),
+        check(ippsMul_32fc(source.inputSpectrum.getChannelPtr(channel), spectra.getChannelPtr(channel),
                            productSpectrum.getWriteChannelPtr(channel), getSize() + 1));
 }
 
 /** The products with all responses, summed over the input channels: one output for each response. */
-void FirFilter::Partition::multiplySummed()
+void FirFilter::Partition::multiplySummed(const Partition& source)
 {
     if (isPaired())
     {
@@ -170,7 +177,7 @@ void FirFilter::Partition::multiplySummed()
             const auto& left = irSpectra[static_cast<std::size_t>(k)];
             const auto& right = irSpectra[static_cast<std::size_t>(std::min(k + 1, numImpulseResponses - 1))];
             for (int channel = 0; channel < numChannels; channel += 2)
-                check(filterStereoSpectrum_32f(asConst(getPair(pairSpectra, channel / 2)),
+                check(filterStereoSpectrum_32f(getPair(source.pairSpectra, channel / 2),
                                                {.leftToLeft = left.getChannelPtr(channel),
                                                 .rightToRight = right.getChannelPtr(channel + 1),
                                                 .rightToLeft = left.getChannelPtr(channel + 1),
@@ -185,70 +192,102 @@ void FirFilter::Partition::multiplySummed()
     {
         const auto& spectra = irSpectra[static_cast<std::size_t>(k)];
         auto* sum = productSpectrum.getWriteChannelPtr(k);
-        check(ippsMul_32fc(inputSpectrum.getChannelPtr(0), spectra.getChannelPtr(0), sum, numBins));
+        check(ippsMul_32fc(source.inputSpectrum.getChannelPtr(0), spectra.getChannelPtr(0), sum, numBins));
         for (int channel = 1; channel < numChannels; ++channel)
-            check(ippsAddProduct_32fc(inputSpectrum.getChannelPtr(channel), spectra.getChannelPtr(channel),
-                                      sum, numBins));
+            check(ippsAddProduct_32fc(source.inputSpectrum.getChannelPtr(channel),
+                                      spectra.getChannelPtr(channel), sum, numBins));
     }
 }
 
-void FirFilter::Partition::computeFrames(CircularBuffer<Signal32>& input, int blockLength)
+//==============================================================================
+// Frames
+
+const FirFilter::Partition& FirFilter::Partition::getSpectrumSource(std::int64_t frameStart) const
 {
-    const int lead = getLead();
-    const int count = countFrames(blockLength);
-    for (int frame = 0; frame < count; ++frame)
-    {
-        transformFrame(input, frame * getSize() - lead);
-        for (std::size_t k = 0; k < queues.size(); ++k)
-        {
-            multiply(k);
-            queueProduct(queues[k], numChannels);
-        }
-    }
+    return twin != nullptr && twin->isSpectrumOf(frameStart) ? *twin : *this;
 }
 
-void FirFilter::Partition::computeSummedFrames(CircularBuffer<Signal32>& input, int blockLength)
+void FirFilter::Partition::prepareSpectrum(const Block& block)
 {
-    const int lead = getLead();
-    const int count = countFrames(blockLength);
-    for (int frame = 0; frame < count; ++frame)
+    const std::int64_t frameStart = block.start - getLead();
+    if (getSpectrumSource(frameStart).isSpectrumOf(frameStart))
+        return;
+    transformFrame(block.input, -getLead());
+    hasSpectrum = true;
+    spectrumStart = frameStart;
+}
+
+void FirFilter::Partition::finishFrame(const Block& block)
+{
+    prepareSpectrum(block);
+    const Partition& source = getSpectrumSource(block.start - getLead());
+    if (block.summed)
     {
-        transformFrame(input, frame * getSize() - lead);
-        multiplySummed();
+        multiplySummed(source);
         queueProduct(queues.front(), numImpulseResponses);
+        return;
     }
+    for (std::size_t k = 0; k < queues.size(); ++k)
+    {
+        multiply(source, k);
+        queueProduct(queues[k], numChannels);
+    }
+}
+
+int FirFilter::Partition::computeReadyFrames(const Block& block)
+{
+    const int count = countReadyFrames(block);
+    for (int frame = 0; frame < count; ++frame)
+        finishFrame(block);
+    return count;
+}
+
+void FirFilter::Partition::computeDueFrames(const Block& block)
+{
+    while (queues.front().numSamples < block.length)
+        finishFrame(block);
+}
+
+void FirFilter::Partition::advanceReadyFrame(const Block& block)
+{
+    const std::int64_t frameStart = block.start - getLead();
+    if (getSpectrumSource(frameStart).isSpectrumOf(frameStart))
+        finishFrame(block);
+    else
+        prepareSpectrum(block);
+}
+
+void FirFilter::Partition::getOutputs(std::span<Signal32> outputs)
+{
+    for (std::size_t k = 0; k < outputs.size(); ++k)
+        queues[k].get(outputs[k]);
+}
+
+void FirFilter::Partition::addOutputs(std::span<Signal32> outputs)
+{
+    for (std::size_t k = 0; k < outputs.size(); ++k)
+        queues[k].getAdding(outputs[k]);
 }
 
 void FirFilter::Partition::process(CircularBuffer<Signal32>& input, std::vector<Signal32>& outputs)
 {
-    computeFrames(input, outputs.front().numSamples);
-    for (std::size_t k = 0; k < queues.size(); ++k)
-        queues[k].get(outputs[k]);
-}
-
-void FirFilter::Partition::processAdding(CircularBuffer<Signal32>& input, std::vector<Signal32>& outputs)
-{
-    computeFrames(input, outputs.front().numSamples);
-    for (std::size_t k = 0; k < queues.size(); ++k)
-        queues[k].getAdding(outputs[k]);
+    forgetSpectrum();
+    computeReadyFrames({.input = input, .start = 0, .length = outputs.front().numSamples, .summed = false});
+    getOutputs(outputs);
 }
 
 void FirFilter::Partition::processSummed(CircularBuffer<Signal32>& input, Signal32& output)
 {
-    computeSummedFrames(input, output.numSamples);
-    queues.front().get(output);
-}
-
-void FirFilter::Partition::processSummedAdding(CircularBuffer<Signal32>& input, Signal32& output)
-{
-    computeSummedFrames(input, output.numSamples);
-    queues.front().getAdding(output);
+    forgetSpectrum();
+    computeReadyFrames({.input = input, .start = 0, .length = output.numSamples, .summed = true});
+    getOutputs({&output, 1});
 }
 
 void FirFilter::Partition::reset()
 {
     for (auto& queue : queues)
         queue.clear();
+    forgetSpectrum();
 }
 
 } // namespace vesk::audio
