@@ -100,7 +100,7 @@ set(CPACK_DEBIAN_PACKAGE_DEPENDS "libx11-6, libxext6")
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "libxcursor1, libxinerama1, libxrandr2, libxrender1")
 
 # What belongs to one kind of package only is added when that package is made.
-set(CPACK_AMBREL_PACKAGING "${packaging}")
+set(CPACK_AMBREL_SOURCE "${Ambrel_SOURCE_DIR}")
 set(CPACK_AMBREL_DOCUMENTS "${document_folder}")
 execute_process(COMMAND date --utc --rfc-email "--date=${AMBREL_RELEASE_DATE}"
     OUTPUT_VARIABLE CPACK_AMBREL_DATE OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
