@@ -144,13 +144,21 @@ void putFaceFirst(juce::MemoryBlock& font, int face)
         std::copy_n(data + offset, offsetSize, data + firstOffset);
 }
 
+/** All ideographs of a font are equally wide. Of the font's height. */
+float getIdeographWidth(juce::Typeface& typeface)
+{
+    constexpr juce::juce_wchar someIdeograph = 0x4e00;
+    return typeface.getStringWidth(juce::String::charToString(someIdeograph));
+}
+
 juce::Typeface::Ptr open(const FontFile& font)
 {
     juce::MemoryBlock data;
     if (!font.file.loadFileAsData(data) || data.isEmpty())
         return nullptr;
     putFaceFirst(data, font.face);
-    return juce::Typeface::createSystemTypefaceFor(data.getData(), data.getSize());
+    const auto typeface = juce::Typeface::createSystemTypefaceFor(data.getData(), data.getSize());
+    return getIdeographWidth(*typeface) > 0.0f ? typeface : nullptr;
 }
 
 /** What was found last, kept until the library goes. */
@@ -159,10 +167,16 @@ class FoundFont : private juce::DeletedAtShutdown
 public:
     ~FoundFont() override { clearSingletonInstance(); }
 
-    void set(const std::optional<FontFile>& newFont)
+    /** Asks for a font unless the language is the same as before. */
+    bool findFor(const juce::String& newLanguage)
     {
-        font = newFont;
-        typeface = nullptr;
+        if (!font || newLanguage != language)
+        {
+            font = FontConfig().find(newLanguage);
+            language = newLanguage;
+            typeface = nullptr;
+        }
+        return isThere();
     }
 
     bool isThere() const { return font.has_value(); }
@@ -181,6 +195,7 @@ public:
     JUCE_DECLARE_SINGLETON_SINGLETHREADED_MINIMAL(FoundFont)
 
 private:
+    juce::String language;
     std::optional<FontFile> font;
     juce::Typeface::Ptr typeface;
 };
@@ -193,7 +208,7 @@ class CompletedTypeface : public juce::CustomTypeface
 public:
     CompletedTypeface(juce::Typeface::Ptr usualTypeface, juce::Typeface::Ptr fallbackTypeface)
         : usual(std::move(usualTypeface)), fallback(std::move(fallbackTypeface)),
-          fallbackScale(ideographWidth / fallback->getStringWidth(juce::String::charToString(someIdeograph)))
+          fallbackScale(ideographWidth / getIdeographWidth(*fallback))
     {
         setCharacteristics(usual->getName(), usual->getStyle(), usual->getAscent(), L' ');
     }
@@ -216,7 +231,6 @@ protected:
 private:
     /** Of the font's height. Fonts of these languages have wide gaps between lines and would look small. */
     static constexpr float ideographWidth = 0.85f;
-    static constexpr juce::juce_wchar someIdeograph = 0x4e00;
 
     const juce::Typeface::Ptr usual;
     const juce::Typeface::Ptr fallback;
@@ -227,9 +241,7 @@ private:
 bool FallbackTypeface::provide(const juce::String& language)
 {
     // Chinese is written in two ways; the translation is in the simplified one.
-    const auto font = FontConfig().find(language == "zh" ? "zh-cn" : language);
-    FoundFont::getInstance()->set(font);
-    return font.has_value();
+    return FoundFont::getInstance()->findFor(language == "zh" ? "zh-cn" : language);
 }
 
 bool FallbackTypeface::isProvided() { return FoundFont::getInstance()->isThere(); }

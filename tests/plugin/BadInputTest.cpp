@@ -178,6 +178,8 @@ TEST_F(BadInputTest, PresetFiles)
          3.0f},
         {"breaks off within a character", preset("<Parameter id='2' value='3\xf0"), 0.0f},
         {"a zero within", time("3") + std::string(1, '\0') + "<", 3.0f},
+        {"no XML", "two seconds", 0.0f},
+        {"no settings", "<Preset><Settings/></Preset>", 0.0f},
         {"zeros", std::string(1000, '\0'), 0.0f},
         {"zeros, too many", std::string(100'000'000, '\0'), 0.0f},
 
@@ -204,14 +206,22 @@ TEST_F(BadInputTest, PresetFiles)
         {"an unknown entity", time("&<x>;"), 0.0f},
         {"a character that does not exist", time("&#x110000;"), 0.0f},
         {"no character", time("&#;"), 0.0f}};
+    CountingListener listener;
+    plugIn.addListener(&listener);
+    auto& engine = *plugIn.getBaseProcessor();
     for (const auto& row : rows)
     {
-        plugIn.getBaseProcessor()->setParameterValue(Reverberation::reverbTime, 7.0f, true);
-        EXPECT_EQ(import(row.content, row.what), row.time > 0.0f) << row.what;
-        EXPECT_EQ(plugIn.getBaseProcessor()->getParameterValue(Reverberation::reverbTime),
-                  row.time > 0.0f ? row.time : 7.0f)
-            << row.what;
+        const bool isGood = row.time > 0.0f;
+        listener.heard.clear();
+        engine.setParameterValue(Reverberation::reverbTime, 7.0f, true);
+        plugIn.setCurrentPresetName("old");
+        EXPECT_EQ(import(row.content, row.what), isGood) << row.what;
+        EXPECT_EQ(engine.getParameterValue(Reverberation::reverbTime), isGood ? row.time : 7.0f) << row.what;
+        EXPECT_EQ(plugIn.getCurrentPresetName(), isGood ? "preset" : "old") << row.what;
+        EXPECT_EQ(listener.heard.size(), isGood ? 1u : 0u) << row.what;
     }
+    plugIn.removeListener(&listener);
+    EXPECT_FALSE(plugIn.importFromPresetFile(file.getSiblingFile("missing.xml")));
 
     const auto whole =
         preset("<Parameter id=\"2\" unit=\"s\" value=\"2.4\"/><Parameter id='1' value='-12'/>");

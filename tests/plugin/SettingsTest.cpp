@@ -167,6 +167,12 @@ TEST(SettingsTest, WhatNoFontCanShowIsNotTranslated)
     const auto undo = juce::String::fromUTF8("\xe5\x85\x83\xe3\x81\xab\xe6\x88\xbb\xe3\x81\x99");
     const Resource japanese("TestBundle_ja.loc", translationText(undo));
     setenv("LC_ALL", "ja_JP.UTF-8", 1);
+    const TemporaryFolder empty;
+    setenv("FONTCONFIG_FILE", empty.write("fonts.conf", "<fontconfig/>").getFullPathName().toRawUTF8(), 1);
+    EXPECT_EQ(translateUndo("Test Bundle"), "Undo");
+    EXPECT_FALSE(FallbackTypeface::isProvided());
+    unsetenv("FONTCONFIG_FILE");
+
     const bool isReadable = FallbackTypeface::provide("ja");
     EXPECT_EQ(translateUndo("Test Bundle"), isReadable ? undo : "Undo");
     if (isReadable)
@@ -183,12 +189,8 @@ TEST(SettingsTest, WhatNoFontCanShowIsNotTranslated)
         EXPECT_FALSE(outline(*completed, undo[0]) == outline(*completed, undo[1])) << "both are boxes";
         EXPECT_NEAR(completed->getStringWidth(undo), 0.85f * static_cast<float>(undo.length()), 0.01f);
     }
-
-    const TemporaryFolder empty;
-    setenv("FONTCONFIG_FILE", empty.write("fonts.conf", "<fontconfig/>").getFullPathName().toRawUTF8(), 1);
-    EXPECT_EQ(translateUndo("Test Bundle"), "Undo");
-    unsetenv("FONTCONFIG_FILE");
     setenv("LC_ALL", "C", 1);
+    EXPECT_FALSE(FallbackTypeface::provide("no language"));
     EXPECT_FALSE(FallbackTypeface::isProvided());
 }
 #endif

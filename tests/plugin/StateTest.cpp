@@ -195,22 +195,6 @@ TEST_F(StateTest, CustomDataTravelsWithThePreset)
     EXPECT_EQ(plugIn.customNote, "hello");
 }
 
-TEST_F(StateTest, BrokenPresetFilesChangeNothing)
-{
-    engine.values[0] = 80.0f;
-    plugIn.setCurrentPresetName("old");
-    for (const auto& file :
-         {folder.folder.getChildFile("missing.xml"), folder.write("text.xml", "no xml"),
-          folder.write("other.xml", "<Preset><Settings/></Preset>"),
-          folder.write("cut.xml", "<Preset><ParameterSettings><Parameter id='0' value='1'/>")})
-    {
-        EXPECT_FALSE(plugIn.importFromPresetFile(file)) << file.getFileName();
-        EXPECT_EQ(engine.values[0], 80.0f) << file.getFileName();
-        EXPECT_EQ(plugIn.getCurrentPresetName(), "old");
-    }
-    EXPECT_TRUE(listener.heard.empty());
-}
-
 TEST_F(StateTest, AnUnknownParameterLeavesTheImportButNotTheProgramChange)
 {
     const auto file = folder.write("strange.xml",
