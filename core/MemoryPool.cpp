@@ -27,10 +27,13 @@ namespace
 
 constexpr std::size_t alignment = 64;
 
+class Store;
+
 /** Stands before each block, so that a block can be given back by its address alone. */
 struct alignas(alignment) Header
 {
     std::size_t sizeClass;
+    Store* home; ///< null if the block is not pooled
 };
 
 //==============================================================================
@@ -76,34 +79,20 @@ static_assert(findSizeClass((std::size_t{1} << largestExponent) + 1) == unpooled
 class Shelf
 {
 public:
-    static constexpr std::size_t maxSlots = 512;
-
-    /** @param slotCount  slots in use, a power of two up to maxSlots */
-    constexpr explicit Shelf(std::size_t slotCount) : mask(slotCount - 1) {}
+    /** @param slotCount  a power of two */
+    constexpr Shelf(std::atomic<void*>* slotMemory, std::size_t slotCount)
+        : slots(slotMemory), mask(slotCount - 1)
+    {
+    }
 
     /** Null if no block is idle. */
-    void* take() noexcept
-    {
-        auto index = top.load(std::memory_order_relaxed);
-        for (std::size_t step = 0; step <= mask; ++step, --index)
-        {
-            auto& slot = slots[index & mask];
-            if (slot.load(std::memory_order_relaxed) == nullptr)
-                continue;
-            if (auto* block = slot.exchange(nullptr, std::memory_order_acquire))
-            {
-                top.store(index - 1, std::memory_order_relaxed);
-                return block;
-            }
-        }
-        return nullptr;
-    }
+    void* take() noexcept { return takeWithin(std::min(mask + 1, longestSearch)); }
 
     /** False if all slots are in use. */
     bool give(void* block) noexcept
     {
         auto index = top.load(std::memory_order_relaxed) + 1;
-        for (std::size_t step = 0; step <= mask; ++step, ++index)
+        for (std::size_t step = 0; step < std::min(mask + 1, longestSearch); ++step, ++index)
         {
             auto& slot = slots[index & mask];
             void* expected = nullptr;
@@ -118,35 +107,97 @@ public:
         return false;
     }
 
+    /** Looks into every slot. */
+    void* takeAny() noexcept { return takeWithin(mask + 1); }
+
     std::size_t countIdle() const noexcept
     {
         return static_cast<std::size_t>(
-            std::count_if(slots.begin(), slots.end(),
+            std::count_if(slots, slots + mask + 1,
                           [](const auto& slot) { return slot.load(std::memory_order_relaxed) != nullptr; }));
     }
 
 private:
+    /** Threads that meet leave the top a few slots off, so a block that is there is near. */
+    static constexpr std::size_t longestSearch = 512;
+
+    void* takeWithin(std::size_t steps) noexcept
+    {
+        auto index = top.load(std::memory_order_relaxed);
+        for (std::size_t step = 0; step < steps; ++step, --index)
+        {
+            auto& slot = slots[index & mask];
+            if (slot.load(std::memory_order_relaxed) == nullptr)
+                continue;
+            if (auto* block = slot.exchange(nullptr, std::memory_order_acquire))
+            {
+                top.store(index - 1, std::memory_order_relaxed);
+                return block;
+            }
+        }
+        return nullptr;
+    }
+
+    std::atomic<void*>* slots;
     std::size_t mask;
     std::atomic<std::size_t> top{0};
-    std::array<std::atomic<void*>, maxSlots> slots{};
 };
 
-/** How many idle blocks a size class may keep, so that the pool as a whole stays bounded. */
-constexpr std::size_t getSlotCount(std::size_t sizeClass)
+/** How many idle blocks of a class are kept, so that the pool as a whole stays bounded. */
+constexpr std::size_t getSlotCount(std::size_t sizeClass, std::size_t most)
 {
     constexpr std::size_t largestIdleBytes = std::size_t{16} << 20;
     constexpr std::size_t fewest = 4;
-    return std::clamp(std::bit_floor(largestIdleBytes / getClassBytes(sizeClass)), fewest, Shelf::maxSlots);
+    return std::clamp(std::bit_floor(largestIdleBytes / getClassBytes(sizeClass)), fewest, most);
 }
 
-template <std::size_t... sizeClasses>
-constexpr std::array<Shelf, sizeof...(sizeClasses)> makeShelves(std::index_sequence<sizeClasses...>)
+/** The slots of all shelves of a store. Memory that is never touched costs nothing. */
+template <std::size_t most>
+struct Slots
 {
-    return {Shelf(getSlotCount(sizeClasses))...};
-}
+    static constexpr std::size_t getFirst(std::size_t sizeClass)
+    {
+        std::size_t first = 0;
+        for (std::size_t smaller = 0; smaller < sizeClass; ++smaller)
+            first += getSlotCount(smaller, most);
+        return first;
+    }
 
-constinit std::array<Shelf, numSizeClasses> shelves = makeShelves(std::make_index_sequence<numSizeClasses>());
+    std::array<std::atomic<void*>, getFirst(numSizeClasses)> memory{};
+};
+
+/** Idle blocks of all sizes. */
+class Store
+{
+public:
+    template <std::size_t most>
+    constexpr explicit Store(Slots<most>& slots) : Store(slots, std::make_index_sequence<numSizeClasses>())
+    {
+    }
+
+    std::array<Shelf, numSizeClasses> shelves;
+
+private:
+    template <std::size_t most, std::size_t... sizeClasses>
+    constexpr Store(Slots<most>& slots, std::index_sequence<sizeClasses...>)
+        : shelves{Shelf(slots.memory.data() + Slots<most>::getFirst(sizeClasses),
+                        getSlotCount(sizeClasses, most))...}
+    {
+    }
+};
+
+// A stream of single samples keeps half a second of pre-delay as tens of thousands of blocks, and a change of
+// the block length hands all of them back.
+constinit Slots<512> generalSlots;
+constinit Slots<32768> streamSlots;
+
+constinit Store generalStore(generalSlots);
+constinit Store streamStore(streamSlots);
+
 constinit std::atomic<int> leases{0};
+
+/** Where this thread takes blocks from. */
+constinit thread_local Store* currentStore = &generalStore;
 
 void setPoisoned([[maybe_unused]] void* block, [[maybe_unused]] bool poisoned) noexcept
 {
@@ -162,18 +213,43 @@ void setPoisoned([[maybe_unused]] void* block, [[maybe_unused]] bool poisoned) n
 #endif
 }
 
-void* takeFromSystem(std::size_t bytes, std::size_t sizeClass) noexcept
+void* takeFromSystem(std::size_t bytes, const Header& header) noexcept
 {
     auto* memory = ::operator new(bytes, std::align_val_t(alignment), std::nothrow);
     if (memory == nullptr)
         return nullptr;
-    return new (memory) Header{sizeClass} + 1;
+    return new (memory) Header(header) + 1;
 }
 
 void giveToSystem(void* block) noexcept
 {
     setPoisoned(block, false);
     ::operator delete(static_cast<Header*>(block) - 1, std::align_val_t(alignment));
+}
+
+/** What streams need swings by a few blocks, as frames and queues of several lengths come round together: beyond the
+    one they run short of, this many more are put by. */
+constexpr std::size_t getSpareCount(std::size_t sizeClass)
+{
+    constexpr std::size_t spareBytes = std::size_t{32} << 10;
+    constexpr std::size_t most = 8;
+    return std::min(spareBytes / getClassBytes(sizeClass), most);
+}
+
+void putSparesBy(std::size_t sizeClass) noexcept
+{
+    for (std::size_t count = getSpareCount(sizeClass); count > 0; --count)
+    {
+        auto* spare = takeFromSystem(getClassBytes(sizeClass), {sizeClass, &streamStore});
+        if (spare == nullptr)
+            return;
+        setPoisoned(spare, true);
+        if (!streamStore.shelves[sizeClass].give(spare))
+        {
+            giveToSystem(spare);
+            return;
+        }
+    }
 }
 
 } // namespace
@@ -189,45 +265,57 @@ void* MemoryPool::allocate(std::size_t bytes) noexcept
     const auto total = bytes + sizeof(Header);
     const auto sizeClass = findSizeClass(total);
     if (sizeClass == unpooled)
-        return takeFromSystem(total, unpooled);
+        return takeFromSystem(total, {unpooled, nullptr});
 
-    if (auto* block = shelves[sizeClass].take())
+    auto* store = currentStore;
+    if (auto* block = store->shelves[sizeClass].take())
     {
         setPoisoned(block, false);
         return block;
     }
-    return takeFromSystem(getClassBytes(sizeClass), sizeClass);
+    if (store == &streamStore)
+        putSparesBy(sizeClass);
+    return takeFromSystem(getClassBytes(sizeClass), {sizeClass, store});
 }
 
 void MemoryPool::release(void* block) noexcept
 {
     if (block == nullptr)
         return;
-    const auto sizeClass = (static_cast<Header*>(block) - 1)->sizeClass;
-    if (sizeClass == unpooled)
+    const auto [sizeClass, home] = *(static_cast<Header*>(block) - 1);
+    if (home == nullptr)
     {
         giveToSystem(block);
         return;
     }
     setPoisoned(block, true);
-    if (!shelves[sizeClass].give(block))
+    if (!home->shelves[sizeClass].give(block))
         giveToSystem(block);
 }
 
 void MemoryPool::trim() noexcept
 {
-    for (auto& shelf : shelves)
-        while (auto* block = shelf.take())
-            giveToSystem(block);
+    for (auto* store : {&generalStore, &streamStore})
+        for (auto& shelf : store->shelves)
+            while (auto* block = shelf.takeAny())
+                giveToSystem(block);
 }
 
 std::size_t MemoryPool::getIdleBytes() noexcept
 {
     std::size_t bytes = 0;
     for (std::size_t sizeClass = 0; sizeClass < numSizeClasses; ++sizeClass)
-        bytes += shelves[sizeClass].countIdle() * getClassBytes(sizeClass);
+        for (const auto* store : {&generalStore, &streamStore})
+            bytes += store->shelves[sizeClass].countIdle() * getClassBytes(sizeClass);
     return bytes;
 }
+
+StreamScope::StreamScope() noexcept : wasInStream(currentStore == &streamStore)
+{
+    currentStore = &streamStore;
+}
+
+StreamScope::~StreamScope() { currentStore = wasInStream ? &streamStore : &generalStore; }
 
 PoolLease::PoolLease() noexcept { leases.fetch_add(1, std::memory_order_relaxed); }
 

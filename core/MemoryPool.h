@@ -6,6 +6,9 @@
     ippMalloc and ippFree are its plain face; PoolAllocator lets standard containers and shared pointers use
     it.
 
+    A thread that processes audio says so with a StreamScope. Streams draw on a store of their own: what they
+    have given back is there for the next block, however much the other threads take meanwhile.
+
     Taking and giving back are lock-free and safe on any thread, also on another one than the block came from.
     What the pool keeps is bounded. While at least one PoolLease lives the kept blocks stay; when the last one
     goes, they return to the system.
@@ -42,6 +45,20 @@ public:
     ~PoolLease();
     PoolLease(const PoolLease&) noexcept : PoolLease() {}
     PoolLease& operator=(const PoolLease&) noexcept { return *this; }
+};
+
+/** For as long as it lives, its thread takes blocks from the streams' store. Blocks go back to the store that
+    they came from, on whatever thread. Scopes may nest. */
+class StreamScope
+{
+public:
+    StreamScope() noexcept;
+    ~StreamScope();
+    StreamScope(const StreamScope&) = delete;
+    StreamScope& operator=(const StreamScope&) = delete;
+
+private:
+    const bool wasInStream;
 };
 
 /** Standard allocator over the pool. Throws std::bad_alloc on exhaustion. */

@@ -1,3 +1,4 @@
+#include "core/MemoryPool.h"
 #include "core/kernels.h"
 #include "plugin/BasePlugInProcessor.h"
 
@@ -30,6 +31,8 @@ void BasePlugInProcessor::prepareToPlay(double sampleRate, int maximumBlockSize)
     if (input != baseProcessor->inputFormat || output != baseProcessor->outputFormat)
         formatRefused.store(!baseProcessor->setFormat(input, output), std::memory_order_relaxed);
 
+    // What settles here settles in the memory that the stream will draw on.
+    const vesk::audio::StreamScope stream;
     baseProcessor->reset();
     takeUpLatency(true);
 }
@@ -49,6 +52,7 @@ void BasePlugInProcessor::processBlockBypassed(juce::AudioBuffer<float>& buffer,
 void BasePlugInProcessor::internalProcess(juce::AudioBuffer<float>& buffer, bool bypassed)
 {
     const juce::ScopedNoDenormals noDenormals;
+    const vesk::audio::StreamScope stream;
 
     const int numSamples = buffer.getNumSamples();
     if (numSamples <= 0)

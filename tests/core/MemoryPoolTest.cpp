@@ -117,6 +117,34 @@ TEST(MemoryPool, KeepsIdleBlocksWhileALeaseLives)
     EXPECT_EQ(MemoryPool::getIdleBytes(), 0u);
 }
 
+TEST(MemoryPool, StreamsHaveAStoreOfTheirOwn)
+{
+    const PoolLease lease;
+    MemoryPool::trim();
+    void* streams = nullptr;
+    {
+        const StreamScope scope;
+        const StreamScope nested;
+        MemoryPool::release(streams = MemoryPool::allocate(1000));
+    }
+    auto* other = MemoryPool::allocate(1000);
+    EXPECT_NE(other, streams);
+    {
+        const StreamScope scope;
+        {
+            const StreamScope nested;
+        }
+        MemoryPool::release(other);
+        auto* again = MemoryPool::allocate(1000);
+        EXPECT_EQ(again, streams) << "not what other threads have given back";
+        std::thread([again] { MemoryPool::release(again); }).join();
+        EXPECT_EQ(MemoryPool::allocate(1000), again) << "back home, whoever gives it back";
+        MemoryPool::release(again);
+    }
+    MemoryPool::release(other = MemoryPool::allocate(1000));
+    EXPECT_NE(other, streams);
+}
+
 TEST(MemoryPool, KeepsABoundedAmount)
 {
     const PoolLease lease;
