@@ -38,12 +38,12 @@ protected:
 
     void expectToolTipToFit(juce::Component& component)
     {
-        constexpr int threeLines = 48;
+        constexpr int twoLines = 40;
         const auto tip = dynamic_cast<juce::TooltipClient&>(component).getTooltip();
         EXPECT_TRUE(tip.isNotEmpty()) << component.getName();
         const auto bounds = window->getLookAndFeel().getTooltipBounds(tip, {}, {10000, 10000});
         EXPECT_LE(bounds.getWidth(), window->getWidth()) << tip;
-        EXPECT_LE(bounds.getHeight(), threeLines) << tip;
+        EXPECT_LE(bounds.getHeight(), twoLines) << tip;
     }
 
     void expectToFit(const juce::PopupMenu& menu)

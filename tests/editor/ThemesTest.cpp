@@ -240,33 +240,4 @@ TEST(Themes, DarkWindowButtons)
     EXPECT_EQ(theme.createDocumentWindowButton(3), nullptr);
 }
 
-TEST(Themes, CurvesAndShadows)
-{
-    const Colour base(0x80204060);
-
-    struct Row
-    {
-        const char* theme;
-        Colour shadow, first, second;
-        float thickness;
-    };
-
-    const Row rows[] = {
-        {"dark", Colour(0x32000000), Colour(0x40204060), Colour(0x1a204060), 1.5f},
-        {"steel", Colour(0x00000000), base, Colour(0x00000000), 1.0f},
-        {"reverb", Colour(0x00000000), base, Colour(0x00000000), 1.0f},
-    };
-
-    for (const auto& row : rows)
-    {
-        const auto theme = makeTheme(row.theme);
-        Colour first, second;
-        theme->getActiveBandCurveColours(base, first, second);
-        EXPECT_TRUE(isNear(first, row.first, 0)) << row.theme;
-        EXPECT_TRUE(isNear(second, row.second, 0)) << row.theme;
-        EXPECT_TRUE(isNear(theme->getShadowColour(), row.shadow, 0)) << row.theme;
-        EXPECT_EQ(theme->getDefaultCurveThickness(), row.thickness) << row.theme;
-    }
-}
-
 } // namespace
