@@ -29,8 +29,8 @@ namespace
 
 constexpr double sampleRate = 48000.0;
 
-/** Samples after which all partitions come round. */
-constexpr int cycle = 8192;
+/** Samples after which all partitions have come round: the largest room has some of 16384. */
+constexpr int cycle = 32768;
 
 double getThreadMicroseconds()
 {
