@@ -15,46 +15,63 @@ add_subdirectory(soak)
 add_test(NAME themes_without_fonts COMMAND ambrel_plugin_tests "--gtest_filter=Theme*")
 set_tests_properties(themes_without_fonts PROPERTIES ENVIRONMENT "JUCE_FONT_PATH=/nonexistent")
 
-# The hosts run in a home of their own, which makes every run alike.
-set(host_environment "HOME=${CMAKE_CURRENT_BINARY_DIR}/home" "XDG_CONFIG_HOME=${CMAKE_CURRENT_BINARY_DIR}/home/.config"
-    "DISPLAY=")
+# What is installed, in hosts: the product is installed once into a folder of its own, where all tests below find it.
+if(NOT UNIX OR APPLE OR NOT PROJECT_IS_TOP_LEVEL)
+    return()
+endif()
 
-add_executable(ambrel_juce_host hosts/juceHost.cpp hosts/Checks.h)
-ambrel_target(ambrel_juce_host)
-target_link_libraries(ambrel_juce_host PRIVATE ambrel_juce_hosting)
-foreach(format VST3 LV2)
-    add_dependencies(ambrel_juce_host Ambrel_${format})
-    add_test(NAME host_${format} COMMAND ambrel_juce_host ${format}
-        "$<TARGET_GENEX_EVAL:Ambrel_${format},$<TARGET_PROPERTY:Ambrel_${format},AMBREL_BUNDLE>>")
-    set_tests_properties(host_${format} PROPERTIES ENVIRONMENT "${host_environment}")
-endforeach()
+set(stage "${CMAKE_BINARY_DIR}/stage")
+set(prefix "${stage}/usr")
+add_test(NAME install COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/install.sh" "${CMAKE_BINARY_DIR}" "${stage}")
+set_tests_properties(install PROPERTIES FIXTURES_SETUP installed)
 
+# In a home of its own and without a display every run is alike.
+set(home "${CMAKE_CURRENT_BINARY_DIR}/home")
+set(host_environment "HOME=${home}" "XDG_CONFIG_HOME=${home}/.config" "XDG_DATA_HOME=${home}/.local/share")
+function(ambrel_installed_test name)
+    add_test(NAME ${name} COMMAND ${ARGN})
+    set_tests_properties(${name} PROPERTIES FIXTURES_REQUIRED installed ENVIRONMENT "${host_environment};DISPLAY=")
+endfunction()
+
+add_executable(ambrel_host
+    hosts/EditorChecks.cpp hosts/FormatChecks.cpp hosts/JucePlugIn.cpp hosts/main.cpp)
+ambrel_target(ambrel_host)
+target_link_libraries(ambrel_host PRIVATE ambrel_juce_hosting ${CMAKE_DL_LIBS})
+set(host_formats VST3 LV2)
 if(TARGET Ambrel_VST)
-    add_executable(ambrel_vst2_host hosts/vst2Host.cpp hosts/Checks.h)
-    ambrel_target(ambrel_vst2_host)
-    target_include_directories(ambrel_vst2_host SYSTEM PRIVATE "${AMBREL_FST_INCLUDE}")
-    target_compile_options(ambrel_vst2_host PRIVATE $<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-Wno-cpp>)
-    target_link_libraries(ambrel_vst2_host PRIVATE ${CMAKE_DL_LIBS})
-    add_dependencies(ambrel_vst2_host Ambrel_VST)
-    add_test(NAME host_VST COMMAND ambrel_vst2_host "$<TARGET_FILE:Ambrel_VST>")
-    set_tests_properties(host_VST PROPERTIES ENVIRONMENT "${host_environment}")
+    target_sources(ambrel_host PRIVATE hosts/Vst2PlugIn.cpp)
+    target_include_directories(ambrel_host SYSTEM PRIVATE "${AMBREL_FST_INCLUDE}")
+    target_compile_options(ambrel_host PRIVATE $<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-Wno-cpp;-Wno-deprecated-declarations>)
+    target_compile_definitions(ambrel_host PRIVATE AMBREL_HOST_HAS_VST2=1)
+    list(APPEND host_formats VST2)
 endif()
 
-if(UNIX AND NOT APPLE)
-    add_test(NAME standalone_without_display COMMAND Ambrel_Standalone)
-    set_tests_properties(standalone_without_display PROPERTIES ENVIRONMENT "${host_environment}"
-        PASS_REGULAR_EXPRESSION "there is no display")
-endif()
+# A window needs a display; Xvfb is one that nobody sees.
+find_program(AMBREL_XVFB_RUN xvfb-run)
+foreach(format ${host_formats})
+    ambrel_installed_test(host_${format} ambrel_host "${prefix}" ${format})
+    if(AMBREL_XVFB_RUN)
+        ambrel_installed_test(window_${format} "${AMBREL_XVFB_RUN}" -a
+            $<TARGET_FILE:ambrel_host> "${prefix}" ${format} window)
+        set_tests_properties(window_${format} PROPERTIES RESOURCE_LOCK display)
+    endif()
+endforeach()
+ambrel_installed_test(host_across_formats ambrel_host "${prefix}" across)
 
-# What the finished files show and need. ELF and sanitizers apart, it is the same in every build.
-if(UNIX AND NOT APPLE AND NOT AMBREL_SANITIZE)
-    set(VST3_entries GetPluginFactory ModuleEntry ModuleExit)
-    set(LV2_entries lv2_descriptor lv2ui_descriptor)
-    set(VST_entries VSTPluginMain main)
-    foreach(format VST3 LV2 VST)
-        if(TARGET Ambrel_${format})
-            add_test(NAME symbols_${format} COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/check_formats.sh"
-                "$<TARGET_FILE:Ambrel_${format}>" ${${format}_entries})
-        endif()
-    endforeach()
+ambrel_installed_test(standalone_without_display "${prefix}/bin/Ambrel")
+set_tests_properties(standalone_without_display PROPERTIES PASS_REGULAR_EXPRESSION "there is no display")
+ambrel_installed_test(installed_files "${CMAKE_CURRENT_SOURCE_DIR}/check_install.sh" "${Ambrel_SOURCE_DIR}" "${prefix}")
+
+# What the installed files show and need. Sanitizers apart, it is the same in every build.
+if(NOT AMBREL_SANITIZE)
+    set(check_formats "${CMAKE_CURRENT_SOURCE_DIR}/check_formats.sh")
+    ambrel_installed_test(symbols_VST3 "${check_formats}" "${prefix}/lib/vst3/Ambrel.vst3/Contents/*-linux/Ambrel.so"
+        GetPluginFactory ModuleEntry ModuleExit)
+    ambrel_installed_test(symbols_LV2 "${check_formats}" "${prefix}/lib/lv2/Ambrel.lv2/libAmbrel.so"
+        lv2_descriptor lv2ui_descriptor)
+    if(TARGET Ambrel_VST)
+        ambrel_installed_test(symbols_VST2 "${check_formats}" "${prefix}/lib/vst/Ambrel/Ambrel.so" VSTPluginMain main)
+    endif()
+    ambrel_installed_test(symbols_standalone "${check_formats}" "${prefix}/bin/Ambrel")
+    ambrel_installed_test(symbols_render "${check_formats}" "${prefix}/bin/ambrel-render")
 endif()

@@ -1,14 +1,15 @@
 /**
-    What every format is held to, in whichever host: noise comes back changed, finite and not too loud, rings on
-    and dies away.
+    What all hosts of the tests share: counting failures, blocks of noise, and the sign that the plug-in's start-up
+    code has run.
 */
 #pragma once
 
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <functional>
+#include <limits>
 #include <random>
+#include <string>
 #include <vector>
 
 #if defined(__SSE2__)
@@ -22,12 +23,14 @@ namespace hosts
 class Checks
 {
 public:
-    void expect(bool condition, const char* what)
+    bool expect(bool condition, const std::string& what)
     {
-        if (condition)
-            return;
-        std::fprintf(stderr, "FAILED: %s\n", what);
-        ++failures;
+        if (!condition)
+        {
+            std::fprintf(stderr, "FAILED: %s\n", what.c_str());
+            ++failures;
+        }
+        return condition;
     }
 
     int failures = 0;
@@ -52,67 +55,60 @@ private:
 
 using Channels = std::vector<std::vector<float>>;
 
-/** Processes one block of all channels in place. */
-using Process = std::function<void(Channels&)>;
+constexpr float noiseAmplitude = 0.25f;
 
+/** Louder than any sound that noise can come out as. */
+constexpr float loudestOutput = 8.0f * noiseAmplitude;
+
+/** The same noise for everyone who starts with the same seed. */
+class Noise
+{
+public:
+    explicit Noise(unsigned seed = 1) : random(seed) {}
+
+    Channels make(int numSamples, std::size_t numChannels = 2)
+    {
+        Channels block(numChannels, std::vector<float>(static_cast<std::size_t>(numSamples)));
+        for (std::size_t sample = 0; sample < block[0].size(); ++sample)
+            for (auto& channel : block)
+                channel[sample] = distribution(random);
+        return block;
+    }
+
+private:
+    std::minstd_rand random;
+    std::uniform_real_distribution<float> distribution{-noiseAmplitude, noiseAmplitude};
+};
+
+inline Channels makeSilence(int numSamples)
+{
+    return Channels(2, std::vector<float>(static_cast<std::size_t>(numSamples)));
+}
+
+/** The highest sample; infinite if one is not finite. */
 inline float getPeak(const Channels& channels)
 {
     float peak = 0.0f;
     for (const auto& channel : channels)
         for (const float sample : channel)
-            peak = std::max(peak, std::isfinite(sample) ? std::abs(sample) : INFINITY);
+            peak = std::max(peak, std::isfinite(sample) ? std::abs(sample)
+                                                        : std::numeric_limits<float>::infinity());
     return peak;
 }
 
-/** Noise of one second, then four of silence: the preset that a new instance opens on has died away by then. */
-inline void checkReverb(Checks& checks, double sampleRate, int blockSize, int numChannels,
-                        const Process& process)
+/** The largest distance of two blocks of the same size. */
+inline float getDifference(Channels first, const Channels& second)
 {
-    constexpr double noiseSeconds = 1.0;
-    constexpr double tailSeconds = 4.0;
-    constexpr float amplitude = 0.25f;
+    for (std::size_t channel = 0; channel < first.size(); ++channel)
+        for (std::size_t sample = 0; sample < first[channel].size(); ++sample)
+            first[channel][sample] -= second[channel][sample];
+    return getPeak(first);
+}
 
-    const auto getBlocks = [&](double seconds) { return static_cast<int>(seconds * sampleRate / blockSize); };
-    std::minstd_rand random(1);
-    std::uniform_real_distribution<float> distribution(-amplitude, amplitude);
-
-    Channels block(static_cast<std::size_t>(numChannels),
-                   std::vector<float>(static_cast<std::size_t>(blockSize)));
-    float loudest = 0.0f;
-    float difference = 0.0f;
-    for (int i = 0; i < getBlocks(noiseSeconds); ++i)
-    {
-        for (auto& channel : block)
-            std::generate(channel.begin(), channel.end(), [&] { return distribution(random); });
-        const auto input = block;
-        process(block);
-        loudest = std::max(loudest, getPeak(block));
-        for (std::size_t channel = 0; channel < block.size(); ++channel)
-            for (std::size_t sample = 0; sample < block[channel].size(); ++sample)
-                difference = std::max(difference, std::abs(block[channel][sample] - input[channel][sample]));
-    }
-
-    float first = 0.0f;
-    float last = 0.0f;
-    const int numTailBlocks = getBlocks(tailSeconds);
-    for (int i = 0; i < numTailBlocks; ++i)
-    {
-        for (auto& channel : block)
-            std::fill(channel.begin(), channel.end(), 0.0f);
-        process(block);
-        if (i < 1 + numTailBlocks / 20)
-            first = std::max(first, getPeak(block));
-        last = getPeak(block);
-    }
-
-    std::printf("%6.0f Hz, block %4d, %d channel(s): peak %.3f, tail from %.4f to %.7f\n", sampleRate,
-                blockSize, numChannels, static_cast<double>(loudest), static_cast<double>(first),
-                static_cast<double>(last));
-    checks.expect(std::isfinite(loudest) && std::isfinite(last), "the output is finite");
-    checks.expect(loudest > 0.1f * amplitude && loudest < 8.0f * amplitude, "the output has a sound level");
-    checks.expect(difference > 0.1f * amplitude, "the output is not the input");
-    checks.expect(first > 0.001f * amplitude, "the reverb rings on");
-    checks.expect(last < 0.01f * first, "the reverb dies away");
+inline void append(Channels& stream, const Channels& block)
+{
+    for (std::size_t channel = 0; channel < stream.size(); ++channel)
+        stream[channel].insert(stream[channel].end(), block[channel].begin(), block[channel].end());
 }
 
 } // namespace hosts

@@ -1,0 +1,85 @@
+#include "tests/hosts/FormatChecks.h"
+
+#include <atomic>
+#include <thread>
+
+namespace hosts
+{
+namespace
+{
+constexpr double sampleRate = 48000.0;
+constexpr int blockSize = 128;
+
+/** An audio thread as busy as a host's at its limit: block behind block, both parameters moving. */
+class Load
+{
+public:
+    explicit Load(PlugIn& plugInToUse) : plugIn(plugInToUse), thread([this] { run(); }) {}
+
+    ~Load()
+    {
+        isOver = true;
+        thread.join();
+    }
+
+    float getLoudest() const { return loudest; }
+    int getNumBlocks() const { return numBlocks; }
+
+private:
+    void run()
+    {
+        Noise noise;
+        while (!isOver)
+        {
+            const auto position = static_cast<float>(numBlocks % 500) / 500.0f;
+            plugIn.setParameter(0, position);
+            plugIn.setParameter(1, 1.0f - position);
+            auto block = noise.make(blockSize);
+            plugIn.process(block);
+            loudest = std::max(loudest.load(), getPeak(block));
+            ++numBlocks;
+            std::this_thread::yield();
+        }
+    }
+
+    PlugIn& plugIn;
+    std::atomic<bool> isOver{false};
+    std::atomic<float> loudest{0.0f};
+    std::atomic<int> numBlocks{0};
+    std::thread thread;
+};
+} // namespace
+
+int checkEditor(const Loader& load)
+{
+    constexpr int numOpenings = 10;
+    constexpr int millisecondsOpen = 200;
+    Checks checks;
+    const auto plugIn = load();
+    const auto other = load();
+    if (plugIn == nullptr || other == nullptr)
+        return 1;
+
+    plugIn->start(sampleRate, blockSize);
+    {
+        const Load audio(*plugIn);
+        const auto otherEditor = other->openEditor();
+        for (int i = 0; i < numOpenings; ++i)
+        {
+            const auto editor = plugIn->openEditor();
+            checks.expect(editor->getWidth() == 640 && editor->getHeight() == 480,
+                          "the window is 640 by 480, not " + std::to_string(editor->getWidth()) + " by " +
+                              std::to_string(editor->getHeight()));
+            const int before = audio.getNumBlocks();
+            runMessageLoop(millisecondsOpen);
+            checks.expect(audio.getNumBlocks() > before, "audio runs on under an open window");
+        }
+        checks.expect(audio.getLoudest() < loudestOutput, "the output keeps its level");
+        std::printf("window opened and closed %d times while %d blocks ran\n", numOpenings,
+                    audio.getNumBlocks());
+    }
+    plugIn->stop();
+    return checks.failures;
+}
+
+} // namespace hosts

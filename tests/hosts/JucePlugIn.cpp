@@ -1,0 +1,211 @@
+#include "tests/hosts/JucePlugIn.h"
+
+#include <juce_audio_processors/juce_audio_processors.h>
+
+namespace hosts
+{
+namespace
+{
+constexpr auto stateElement = "IComponent";
+
+/** The window in which a host shows a plug-in's. */
+class JuceEditor : public Editor
+{
+public:
+    explicit JuceEditor(juce::AudioProcessor& plugIn) : content(plugIn.createEditorIfNeeded())
+    {
+        if (content == nullptr)
+            return;
+        window.setSize(content->getWidth(), content->getHeight());
+        window.setOpaque(true);
+        window.addAndMakeVisible(*content);
+        window.addToDesktop(0);
+        window.setVisible(true);
+    }
+
+    int getWidth() const override { return content != nullptr ? content->getWidth() : 0; }
+    int getHeight() const override { return content != nullptr ? content->getHeight() : 0; }
+
+private:
+    juce::Component window;
+    std::unique_ptr<juce::AudioProcessorEditor> content;
+};
+
+class JucePlugIn : public PlugIn
+{
+public:
+    explicit JucePlugIn(std::unique_ptr<juce::AudioPluginInstance> toUse) : instance(std::move(toUse))
+    {
+        // Wrappers add parameters of their own (bypass, program).
+        for (auto* parameter : instance->getParameters())
+            if (parameter->getName(100).startsWith("Reverb"))
+                parameters.push_back(parameter);
+    }
+
+    void checkIdentity(Checks& checks) override
+    {
+        const auto description = instance->getPluginDescription();
+        checks.expect(instance->getName() == "Ambrel", "its name is Ambrel");
+        checks.expect(description.manufacturerName == "Veskora", "its maker is Veskora");
+        checks.expect(description.version == "1.0.3" || isLv2(), "its version is 1.0.3");
+        checks.expect(description.category.contains("Reverb"), "hosts list it among the reverbs");
+        checks.expect(!description.isInstrument, "it is no synth");
+        checks.expect(!instance->acceptsMidi() && !instance->producesMidi(), "it has no MIDI");
+        checks.expect(instance->getLatencySamples() == 0, "it has no latency");
+        checks.expect(instance->hasEditor(), "it has an editor");
+        checks.expect(parameters.size() == 2, "it has two parameters");
+        checks.expect(instance->getBypassParameter() != nullptr, "it can be bypassed");
+
+        using Set = juce::AudioChannelSet;
+        const bool hasMono = setLayout(Set::mono());
+        checks.expect(hasMono != isLv2(), "only the LV2 refuses mono");
+        if (hasMono)
+            checkMono(checks);
+        checks.expect(!setLayout(Set::create5point1()), "surround is refused");
+        checks.expect(setLayout(Set::stereo()), "stereo is accepted");
+    }
+
+    void start(double sampleRate, int maximumBlockSize, bool isOffline) override
+    {
+        instance->setNonRealtime(isOffline);
+        instance->setRateAndBufferSizeDetails(sampleRate, maximumBlockSize);
+        instance->prepareToPlay(sampleRate, maximumBlockSize);
+    }
+
+    void stop() override { instance->releaseResources(); }
+
+    void process(Channels& block) override
+    {
+        std::vector<float*> pointers;
+        for (auto& channel : block)
+            pointers.push_back(channel.data());
+        juce::AudioBuffer<float> buffer(pointers.data(), static_cast<int>(pointers.size()),
+                                        static_cast<int>(block[0].size()));
+        juce::MidiBuffer midi;
+        instance->processBlock(buffer, midi);
+    }
+
+    void setParameter(int index, float value) override
+    {
+        parameters[static_cast<std::size_t>(index)]->setValue(value);
+    }
+
+    void setBypassed(bool isBypassed) override
+    {
+        instance->getBypassParameter()->setValue(isBypassed ? 1.0f : 0.0f);
+    }
+
+    int getNumPrograms() override { return instance->getNumPrograms(); }
+    std::string getProgramName(int index) override { return instance->getProgramName(index).toStdString(); }
+    void setProgram(int index) override { instance->setCurrentProgram(index); }
+
+    State getState() override
+    {
+        juce::MemoryBlock wrapped;
+        instance->getStateInformation(wrapped);
+        juce::MemoryBlock block;
+        if (isLv2())
+            block.fromBase64Encoding(wrapped.toString()
+                                         .fromFirstOccurrenceOf(lv2StateStart, false, false)
+                                         .upToFirstOccurrenceOf("\"", false, false));
+        else if (const auto xml = juce::AudioProcessor::getXmlFromBinary(wrapped.getData(),
+                                                                         static_cast<int>(wrapped.getSize())))
+            block.fromBase64Encoding(xml->getChildElementAllSubText(stateElement, {}));
+        return trimmed(State(block.begin(), block.end()));
+    }
+
+    void setState(const State& state) override
+    {
+        const auto text = juce::MemoryBlock(state.data(), state.size()).toBase64Encoding();
+        juce::MemoryBlock wrapped;
+        if (isLv2())
+        {
+            juce::MemoryBlock present;
+            instance->getStateInformation(present);
+            const auto old = present.toString();
+            const auto begin = old.indexOf(lv2StateStart) + juce::String(lv2StateStart).length();
+            const auto replaced = old.substring(0, begin) + text + old.substring(old.indexOf(begin, "\""));
+            wrapped.append(replaced.toRawUTF8(), replaced.getNumBytesAsUTF8());
+        }
+        else
+        {
+            juce::XmlElement xml("VST3PluginState");
+            xml.createNewChildElement(stateElement)->addTextElement(text);
+            juce::AudioProcessor::copyXmlToBinary(xml, wrapped);
+        }
+        instance->setStateInformation(wrapped.getData(), static_cast<int>(wrapped.getSize()));
+    }
+
+    std::unique_ptr<Editor> openEditor() override { return std::make_unique<JuceEditor>(*instance); }
+
+private:
+    static constexpr auto lv2StateStart = "StateString> \"";
+
+    bool isLv2() const { return instance->getPluginDescription().pluginFormatName == "LV2"; }
+
+    bool setLayout(const juce::AudioChannelSet& set)
+    {
+        juce::AudioProcessor::BusesLayout layout;
+        layout.inputBuses.add(set);
+        layout.outputBuses.add(set);
+        return instance->setBusesLayout(layout);
+    }
+
+    void checkMono(Checks& checks)
+    {
+        constexpr int blockSize = 4096;
+        start(48000.0, blockSize, false);
+        auto block = Noise().make(blockSize, 1);
+        process(block);
+        auto silence = Channels(1, std::vector<float>(blockSize));
+        process(silence);
+        checks.expect(getPeak(block) > 0.5f * noiseAmplitude && getPeak(block) < loudestOutput &&
+                          getPeak(silence) > 0.01f * noiseAmplitude,
+                      "mono rings on at a sound level");
+        stop();
+    }
+
+    std::unique_ptr<juce::AudioPluginInstance> instance;
+    std::vector<juce::AudioProcessorParameter*> parameters;
+};
+
+/** What a scan of the folder finds under the product's name; no name if there is nothing. */
+juce::PluginDescription scan(juce::AudioPluginFormat& format, const std::string& folder)
+{
+    for (const auto& identifier : format.searchPathsForPlugins(juce::FileSearchPath(folder), true))
+    {
+        juce::OwnedArray<juce::PluginDescription> descriptions;
+        format.findAllTypesForFile(descriptions, identifier);
+        for (const auto* description : descriptions)
+            if (description->name == "Ambrel")
+                return *description;
+    }
+    return {};
+}
+} // namespace
+
+Loader makeJuceLoader(const std::string& formatName, const std::string& folder)
+{
+    constexpr double initialSampleRate = 48000.0;
+    constexpr int initialBlockSize = 512;
+
+    auto manager = std::make_shared<juce::AudioPluginFormatManager>();
+    manager->addDefaultFormats();
+    juce::PluginDescription found;
+    for (auto* format : manager->getFormats())
+        if (format->getName() == juce::String(formatName))
+            found = scan(*format, folder);
+
+    return [=]() -> std::unique_ptr<PlugIn>
+    {
+        juce::String error = "a scan of " + juce::String(folder) + " finds nothing";
+        if (found.name.isNotEmpty())
+            if (auto instance =
+                    manager->createPluginInstance(found, initialSampleRate, initialBlockSize, error))
+                return std::make_unique<JucePlugIn>(std::move(instance));
+        std::fprintf(stderr, "%s: %s\n", formatName.c_str(), error.toRawUTF8());
+        return nullptr;
+    };
+}
+
+} // namespace hosts

@@ -1,0 +1,186 @@
+#include "tests/hosts/Vst2PlugIn.h"
+
+#include <dlfcn.h>
+#include <juce_gui_basics/juce_gui_basics.h>
+#include <pluginterfaces/fst/aeffect.h>
+#include <pluginterfaces/fst/aeffectx.h>
+
+#include <atomic>
+#include <cstring>
+
+namespace hosts
+{
+namespace
+{
+constexpr t_fstInt32 interfaceVersion = 2400;
+constexpr t_fstInt32 realtimeLevel = 2;
+constexpr t_fstInt32 offlineLevel = 4;
+
+/** What the plug-in asks for as its process level; one for all instances, as in a host that renders a project. */
+std::atomic<t_fstInt32> processLevel{realtimeLevel};
+
+t_fstPtrInt VSTCALLBACK answerPlugIn(AEffect*, t_fstInt32 opcode, t_fstInt32, t_fstPtrInt, void* const, float)
+{
+    switch (opcode)
+    {
+    case audioMasterVersion: return interfaceVersion;
+    case audioMasterGetCurrentProcessLevel: return processLevel;
+    default: return 0;
+    }
+}
+
+t_fstPtrInt dispatch(AEffect& effect, int opcode, int index = 0, t_fstPtrInt value = 0, void* data = nullptr,
+                     float option = 0.0f)
+{
+    return effect.dispatcher(&effect, opcode, index, value, data, option);
+}
+
+/** The plug-in's window as a child of one of ours. */
+class Vst2Editor : public Editor, private juce::Timer
+{
+public:
+    explicit Vst2Editor(AEffect& effectToUse) : effect(effectToUse)
+    {
+        ERect* area = nullptr;
+        dispatch(effect, effEditGetRect, 0, 0, &area);
+        if (area != nullptr)
+            window.setSize(area->right - area->left, area->bottom - area->top);
+        window.setOpaque(true);
+        window.addToDesktop(0);
+        window.setVisible(true);
+        dispatch(effect, effEditOpen, 0, 0, window.getWindowHandle());
+        startTimerHz(idleHz);
+    }
+
+    ~Vst2Editor() override
+    {
+        stopTimer();
+        dispatch(effect, effEditClose);
+    }
+
+    int getWidth() const override { return window.getWidth(); }
+    int getHeight() const override { return window.getHeight(); }
+
+private:
+    static constexpr int idleHz = 30;
+
+    void timerCallback() override { dispatch(effect, effEditIdle); }
+
+    AEffect& effect;
+    juce::Component window;
+};
+
+class Vst2PlugIn : public PlugIn
+{
+public:
+    Vst2PlugIn(void* libraryToClose, AEffect& effectToUse) : library(libraryToClose), effect(effectToUse)
+    {
+        dispatch(effect, effOpen);
+    }
+
+    ~Vst2PlugIn() override
+    {
+        dispatch(effect, effClose);
+        dlclose(library);
+    }
+
+    void checkIdentity(Checks& checks) override
+    {
+        checks.expect(effect.magic == 0x56737450, "it is a VST2");
+        checks.expect(effect.uniqueID == CCONST('A', 'M', 'B', 'R'), "its id is AMBR");
+        checks.expect(effect.version == 103, "its version is 103");
+        checks.expect(getText(effGetVendorString) == "Veskora", "its maker is Veskora");
+        checks.expect(getText(effGetEffectName) == "Ambrel", "its name is Ambrel");
+        checks.expect(getText(effGetParamName, 0).rfind("Reverb", 0) == 0, "its parameters have names");
+        checks.expect(effect.numParams == 2, "it has two parameters");
+        checks.expect(effect.numInputs == 2 && effect.numOutputs == 2, "it is stereo");
+        checks.expect((effect.flags & effFlagsProgramChunks) != 0, "programs are chunks");
+        checks.expect((effect.flags & effFlagsCanReplacing) != 0, "it processes replacing");
+        checks.expect((effect.flags & effFlagsHasEditor) != 0, "it has an editor");
+        checks.expect((effect.flags & effFlagsIsSynth) == 0, "it is no synth");
+        checks.expect((effect.flags & effFlagsCanDoubleReplacing) == 0, "it does not process in double");
+        const auto program = static_cast<int>(dispatch(effect, effGetProgram));
+        checks.expect(getProgramName(program) == "Default hall", "it opens on Default hall");
+    }
+
+    void start(double sampleRate, int maximumBlockSize, bool isOffline) override
+    {
+        processLevel = isOffline ? offlineLevel : realtimeLevel;
+        dispatch(effect, effSetSampleRate, 0, 0, nullptr, static_cast<float>(sampleRate));
+        dispatch(effect, effSetBlockSize, 0, maximumBlockSize);
+        dispatch(effect, effMainsChanged, 0, 1);
+    }
+
+    void stop() override { dispatch(effect, effMainsChanged, 0, 0); }
+
+    void process(Channels& block) override
+    {
+        auto output = block;
+        std::vector<float*> inputs;
+        std::vector<float*> outputs;
+        for (auto& channel : block)
+            inputs.push_back(channel.data());
+        for (auto& channel : output)
+            outputs.push_back(channel.data());
+        effect.processReplacing(&effect, inputs.data(), outputs.data(), static_cast<int>(block[0].size()));
+        block = std::move(output);
+    }
+
+    void setParameter(int index, float value) override { effect.setParameter(&effect, index, value); }
+    void setBypassed(bool isBypassed) override { dispatch(effect, effSetBypass, 0, isBypassed ? 1 : 0); }
+
+    int getNumPrograms() override { return effect.numPrograms; }
+    std::string getProgramName(int index) override { return getText(effGetProgramNameIndexed, index); }
+    void setProgram(int index) override { dispatch(effect, effSetProgram, 0, index); }
+
+    State getState() override
+    {
+        void* chunk = nullptr;
+        const auto size = dispatch(effect, effGetChunk, 0, 0, &chunk);
+        const auto* bytes = static_cast<const char*>(chunk);
+        return chunk == nullptr ? State() : State(bytes, bytes + size);
+    }
+
+    void setState(const State& state) override
+    {
+        auto copy = state;
+        dispatch(effect, effSetChunk, 0, static_cast<t_fstPtrInt>(copy.size()), copy.data());
+    }
+
+    std::unique_ptr<Editor> openEditor() override { return std::make_unique<Vst2Editor>(effect); }
+
+private:
+    std::string getText(int opcode, int index = 0)
+    {
+        char text[256] = {};
+        dispatch(effect, opcode, index, 0, text);
+        return text;
+    }
+
+    void* library;
+    AEffect& effect;
+};
+} // namespace
+
+std::unique_ptr<PlugIn> loadVst2(const std::string& file)
+{
+    void* library = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (library == nullptr)
+    {
+        std::fprintf(stderr, "%s\n", dlerror());
+        return nullptr;
+    }
+
+    using Entry = AEffect* (*)(audioMasterCallback);
+    const auto entry = reinterpret_cast<Entry>(dlsym(library, "VSTPluginMain"));
+    auto* effect = entry != nullptr ? entry(&answerPlugIn) : nullptr;
+    if (effect == nullptr)
+    {
+        std::fprintf(stderr, "No plug-in comes out of VSTPluginMain\n");
+        dlclose(library);
+        return nullptr;
+    }
+    return std::make_unique<Vst2PlugIn>(library, *effect);
+}
+
+} // namespace hosts
