@@ -20,9 +20,8 @@
 
     Frames. Each line is a ring whose length is its delay: what is read at the ring's position is one delay
     old, and the feedback goes back to the same place. Nothing that is written in a frame is read again before
-    the shortest line has gone round, so whole frames up to that length are computed with vector operations.
-    Frames are cut shorter still, so that a frame of all lines stays in the processor's first-level cache. The
-    cut does not change the result.
+    the shortest line has gone round, so frames of up to that length are computed with vector operations, all
+    of a frame in one pass (feedbackKernel.h). How a stream is cut does not change the result.
 
         FeedbackNetwork network;
         network.setLines(2, 48000.0, 30.0f);                  // stereo
@@ -37,8 +36,7 @@
 
 #include "core/MemoryPool.h"
 #include "core/Signal.h"
-#include "dsp/IirCoefficients.h"
-#include "dsp/IirFilter.h"
+#include "core/feedbackKernel.h"
 
 #include <array>
 #include <vector>
@@ -49,8 +47,8 @@ namespace vesk::audio
 class FeedbackNetwork
 {
 public:
-    static constexpr int numLines = 16;
-    static constexpr int maxChannels = 4;
+    static constexpr int numLines = FeedbackLines::numLines;
+    static constexpr int maxChannels = FeedbackLines::maxChannels;
 
     struct Decay
     {
@@ -75,60 +73,37 @@ public:
     Signal32 process(const Signal32& input);
 
     /** Samples in a line's channel: its delay. */
-    int getLineLength(int line, int channel) const { return lines[index(line)].rings[index(channel)].length; }
+    int getLineLength(int line, int channel) const { return rings[index(channel)][index(line)].length; }
 
 private:
-    /** Memory of one line's channel. position is where the oldest sample is read and the newest written. */
+    /** Memory of one line's channel. position is where the oldest sample is read and the newest written. Behind
+        the end there is room for one more frame, so that frames that reach over it are contiguous too. */
     struct Ring
     {
         float* samples = nullptr;
         int length = 0;
         int position = 0;
-    };
 
-    struct Line
-    {
-        std::array<Ring, maxChannels> rings;
-        float gain = 0.0f; ///< with the matrix's normalisation of 1/4
-        /** In double precision: far below the sample rate the poles crowd at 1, and in single precision
-            rounding alone can raise the loop's gain above 1 (a crossover of 50 Hz at 192 kHz does it). */
-        IirFilter64 shelf;
-        IirFilter32 damping;
-    };
+        /** The frame's memory, which begins at position. */
+        float* open(int frameLength);
 
-    using Buffer = std::vector<float, PoolAllocator<float>>;
+        /** Moves the position past the frame. */
+        void close(int frameLength);
+    };
 
     static constexpr std::size_t index(int i) { return static_cast<std::size_t>(i); }
 
-    int getFrameLimit() const;
-    int getSwappedChannel(int line, int channel) const;
-    float* getLineFrame(Buffer& frames, int line, int length)
-    {
-        return frames.data() + line * numChannels * length;
-    }
-
-    void clearFilters();
     void processFrame(const Signal32& input, Signal32& output, int start, int length);
-    void readLines(int length);
-    void filterLines(int length);
-    void applyShelf(IirFilter64& shelf, int channel, float* frame, int length);
-    void mixLines(int length);
-    void prepareInjection(const Signal32& input, int start, int length);
-    void writeLines(int length);
 
     int numChannels = 0;
     double sampleRate = 0.0;
     float roomScale = 1.0f; ///< 1 to 5
-    bool shelfActive = false;
 
-    std::array<Line, numLines> lines;
-    Buffer ringMemory;
-
-    // Work of one frame, channels of a line one after the other: [line][channel][sample].
-    Buffer lineFrames;
-    Buffer mixFrames;
-    std::vector<double, PoolAllocator<double>> shelfFrame; ///< of one channel of one line
-    Buffer injection; ///< what the even and the odd lines receive: [parity][channel][sample]
+    /** The shelf works in double precision: far below the sample rate the poles crowd at 1, and in single
+        precision rounding alone can raise the loop's gain above 1 (a crossover of 50 Hz at 192 kHz does it). */
+    FeedbackLines filters;
+    std::array<FeedbackLines::PerLine<Ring>, maxChannels> rings;
+    std::vector<float, PoolAllocator<float>> ringMemory;
 };
 
 } // namespace vesk::audio

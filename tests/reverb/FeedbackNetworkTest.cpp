@@ -1,7 +1,7 @@
 #include "reverb/FeedbackNetwork.h"
 
-#include "core/MathEx.h"
-#include "tests/core/TestSignals.h"
+#include "dsp/IirCoefficients.h"
+#include "tests/core/KernelFixture.h"
 #include "tests/support/AudioMeasures.h"
 
 #include <bit>
@@ -116,7 +116,12 @@ Signal32 makeImpulse(int channels, int samples)
 }
 } // namespace
 
-TEST(FeedbackNetwork, equalsTheNetworkComputedSampleBySample)
+class FeedbackNetworkKernel : public KernelFixture
+{
+};
+AMBREL_ON_ALL_INSTRUCTION_SETS(FeedbackNetworkKernel);
+
+TEST_P(FeedbackNetworkKernel, equalsTheNetworkComputedSampleBySample)
 {
     struct Case
     {
