@@ -10,6 +10,12 @@
 namespace vesk::audio
 {
 
+namespace
+{
+/** Inputs before a block that the interpolator still needs. */
+constexpr std::size_t pastLength = halfBandTaps - 1;
+} // namespace
+
 void FractionalDelay::setFormat(int channels, double rateOfSamples)
 {
     numChannels = channels;
@@ -36,6 +42,14 @@ void FractionalDelay::updateSincFilter()
             kernel.getWriteChannelPtr(channel)[i] = static_cast<float>(tap);
     }
     interpolator.setImpulseResponse(kernel);
+
+    static_assert(halfBandTaps == 8, "every second tap of 15, from the first on");
+    for (std::size_t k = 0; k < halfBand.size(); ++k)
+        halfBand[k] = numChannels > 0 ? kernel.getChannelPtr(0)[2 * k] : 0.0f;
+    // As filters do, the past stays if it still fits.
+    const std::size_t pastTotal = static_cast<std::size_t>(std::max(numChannels, 0)) * pastLength;
+    if (past.size() != pastTotal)
+        past.assign(pastTotal, 0.0f);
 }
 
 float FractionalDelay::setDelay(float baseDelay, ModulationGenerator::ModulationType type, float depth,
@@ -61,12 +75,18 @@ float FractionalDelay::setDelay(float baseDelay, ModulationGenerator::Modulation
         upperWeight = 1.0f - lowerWeight;
     }
 
+    fitQueue();
+    return delay;
+}
+
+/** To delaySamples, by silence behind the newest end or by dropping the oldest samples. */
+void FractionalDelay::fitQueue()
+{
     const auto surplus = static_cast<int>(queue.numSamples - delaySamples);
     if (surplus < 0)
         queue.add(Signal32(numChannels, -surplus, 0.0f));
     else
         queue.skip(surplus);
-    return delay;
 }
 
 void FractionalDelay::reset()
@@ -77,7 +97,7 @@ void FractionalDelay::reset()
         if (delaySamples > 0)
             queue.add(Signal32(numChannels, delaySamples, 0.0f));
     }
-    interpolator.reset();
+    std::fill(past.begin(), past.end(), 0.0f);
 }
 
 Signal32 FractionalDelay::process(const Signal32& input)
@@ -86,66 +106,69 @@ Signal32 FractionalDelay::process(const Signal32& input)
     if (samples < 1)
         return Signal32(numChannels, samples);
 
-    queue.add(upsample(input));
-    window.ensureDimensions(numChannels, oversampling * samples + delaySamples);
-    queue.peek(window);
+    // The line moves on into a new block, as the old one is the queue's.
+    fitQueue();
+    Signal32 line(numChannels, delaySamples + oversampling * samples);
+    queue.peek(line);
+    upsample(input, line);
+    Signal32 output = modulationType != ModulationGenerator::None ? readModulated(line, samples)
+                                                                  : readDecimated(line, samples);
+    queue.clear();
+    queue.add(line);
     queue.skip(oversampling * samples);
-    return modulationType != ModulationGenerator::None ? readModulated(window, samples)
-                                                       : readDecimated(window, samples);
+    return output;
 }
 
-Signal32 FractionalDelay::upsample(const Signal32& input)
+/** Writes the input at twice its rate to the end of the line. */
+void FractionalDelay::upsample(const Signal32& input, Signal32& line)
 {
-    Signal32 spaced(numChannels, oversampling * input.numSamples);
-    int length = 0;
-    int phase = 0;
-    for (int channel = 0; channel < numChannels; ++channel)
-        check(ippsSampleUp_32f(input.getChannelPtr(channel), input.numSamples,
-                               spaced.getWriteChannelPtr(channel), &length, oversampling, &phase));
-    return interpolator.process(spaced);
+    const auto samples = static_cast<std::size_t>(input.numSamples);
+    if (recent.size() < pastLength + samples)
+        recent.resize(pastLength + samples);
+    auto channelPast = past.begin();
+    for (int channel = 0; channel < numChannels; ++channel, channelPast += pastLength)
+    {
+        std::copy_n(channelPast, pastLength, recent.begin());
+        std::copy_n(input.getChannelPtr(channel), samples, recent.begin() + pastLength);
+        check(upsampleByTwo_32f(recent.data() + pastLength, line.getWriteChannelPtr(channel) + delaySamples,
+                                input.numSamples, halfBand.data()));
+        std::copy_n(recent.data() + samples, pastLength, channelPast);
+    }
 }
 
 Signal32 FractionalDelay::readModulated(const Signal32& line, int samples)
 {
-    const Signal32 offsets = modulation.generate(samples);
     Signal32 output(numChannels, samples);
+    sources.resize(static_cast<std::size_t>(numChannels));
+    destinations.resize(static_cast<std::size_t>(numChannels));
     for (int channel = 0; channel < numChannels; ++channel)
     {
-        if (channel == 0 || !modulation.hasEqualChannels())
-            updateReadPositions(offsets.getChannelPtr(channel), samples, line.numSamples);
+        sources[static_cast<std::size_t>(channel)] = line.getChannelPtr(channel);
+        destinations[static_cast<std::size_t>(channel)] = output.getWriteChannelPtr(channel);
+    }
 
-        const auto* source = line.getChannelPtr(channel);
-        auto* destination = output.getWriteChannelPtr(channel);
-        for (std::size_t n = 0; n < readIndices.size(); ++n)
-        {
-            const auto* lower = source + readIndices[n];
-            destination[n] = readFractions[n] * lower[1] + (1.0f - readFractions[n]) * lower[0];
-        }
+    MovingRead read{.offsets = nullptr,
+                    .samples = samples,
+                    .delay = delay,
+                    .sampleRate = static_cast<float>(sampleRate),
+                    .lineLength = line.numSamples};
+    if (modulation.hasEqualChannels())
+    {
+        if (offsets.size() < static_cast<std::size_t>(samples))
+            offsets.resize(static_cast<std::size_t>(samples));
+        modulation.generateShared(offsets.data(), samples);
+        read.offsets = offsets.data();
+        check(readMoving_32f(read, sources, destinations));
+        return output;
+    }
+
+    const Signal32 channelOffsets = modulation.generate(samples);
+    for (std::size_t channel = 0; channel < sources.size(); ++channel)
+    {
+        read.offsets = channelOffsets.getChannelPtr(static_cast<int>(channel));
+        check(readMoving_32f(read, {&sources[channel], 1}, {&destinations[channel], 1}));
     }
     return output;
-}
-
-void FractionalDelay::updateReadPositions(const float* offsets, int samples, int lineLength)
-{
-    const auto rate = static_cast<float>(sampleRate);
-    const auto factor = static_cast<float>(oversampling);
-    const int last = lineLength - 1;
-    const auto end = static_cast<float>(last);
-
-    readIndices.resize(static_cast<std::size_t>(samples));
-    readFractions.resize(static_cast<std::size_t>(samples));
-    auto* indices = readIndices.data();
-    auto* fractions = readFractions.data();
-    for (int n = 0; n < samples; ++n)
-    {
-        // The line is long enough for every modulation; the limits stand for the rounding of its last
-        // position, and for a modulation that is not a number.
-        const float position = ((delay + offsets[n]) * rate + static_cast<float>(n)) * factor;
-        const float inside = position > 0.0f ? std::min(position, end) : 0.0f;
-        const int index = std::min(static_cast<int>(inside), last - 1);
-        indices[n] = index;
-        fractions[n] = inside - static_cast<float>(index);
-    }
 }
 
 Signal32 FractionalDelay::readDecimated(const Signal32& line, int samples) const

@@ -2,7 +2,9 @@
     A delay line whose read position moves smoothly, by fractions of a sample, under a ModulationGenerator.
 
     The input is oversampled by 2 (zeros between the samples, then a windowed-sinc interpolator), waits in a
-    queue, and is read by linear interpolation.
+    queue, and is read by linear interpolation. The sinc crosses zero at every second tap, so only every second
+    sample has to be computed, from half the taps; the others are the input's own. The queue is a single block:
+    the line as the last block left it.
 
         FractionalDelay delay;
         delay.setFormat(2, 48000.0);
@@ -19,17 +21,19 @@
     block; nothing in the engine does so.
 
     Prepare in the order setFormat, setDelay, reset. A setDelay while audio runs steps the read position.
-    Cost: a 15-tap filter at twice the rate, one interpolation for each sample, and a copy of the line for
-    each block. Thread: one at a time.
+    Cost: an 8-tap filter, one interpolation for each sample, and a copy of the line for each block. Thread: one
+    at a time.
 */
 #pragma once
 
 #include "core/MemoryPool.h"
 #include "core/Signal.h"
 #include "core/SignalQueue.h"
+#include "core/delayKernels.h"
 #include "dsp/FirFilter.h"
 #include "dsp/ModulationGenerator.h"
 
+#include <array>
 #include <vector>
 
 namespace vesk::audio
@@ -68,9 +72,9 @@ public:
     int oversampling = 2;        ///< fixed
     int sincLength = 15;         ///< taps of the interpolator, fixed
     SignalQueue<Signal32> queue; ///< delaySamples oversampled samples between blocks
-    FirFilter interpolator;
-    float lowerWeight = 0.0f; ///< of the samples at even positions, without modulation
-    float upperWeight = 0.0f; ///< of those at odd positions
+    FirFilter interpolator;      ///< holds the sinc; the line is made of it by its two phases
+    float lowerWeight = 0.0f;    ///< of the samples at even positions, without modulation
+    float upperWeight = 0.0f;    ///< of those at odd positions
     ModulationGenerator::ModulationType modulationType = ModulationGenerator::None;
     float modulationDepth = 0.0f; ///< seconds
     float modulationRate = 0.0f;  ///< Hz
@@ -79,16 +83,20 @@ public:
 
 private:
     void updateSincFilter();
-    Signal32 upsample(const Signal32& input);
+    void fitQueue();
+    void upsample(const Signal32& input, Signal32& line);
     Signal32 readModulated(const Signal32& line, int samples);
     Signal32 readDecimated(const Signal32& line, int samples) const;
-    void updateReadPositions(const float* offsets, int samples, int lineLength);
 
-    Signal32 window; // the line and the block behind it, oldest first
+    template <typename T>
+    using Buffer = std::vector<T, PoolAllocator<T>>;
 
-    // Where each output sample is read: between readIndices[n] and the next, at readFractions[n] of the way.
-    std::vector<int, PoolAllocator<int>> readIndices;
-    std::vector<float, PoolAllocator<float>> readFractions;
+    std::array<float, halfBandTaps> halfBand{}; // the sinc's taps apart from its centre and its zeros
+    Buffer<float> past;                         // the last inputs of each channel, channel after channel
+    Buffer<float> recent;                       // one channel's past and block
+    Buffer<float> offsets;
+    Buffer<const float*> sources;
+    Buffer<float*> destinations;
 };
 
 } // namespace vesk::audio

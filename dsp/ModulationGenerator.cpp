@@ -1,6 +1,5 @@
 #include "dsp/ModulationGenerator.h"
 
-#include "core/SignalGenerator.h"
 #include "core/VectorOps.h"
 #include "core/kernels.h"
 
@@ -45,50 +44,64 @@ void ModulationGenerator::setModulation(ModulationType newType, float newOffset,
 
 Signal32 ModulationGenerator::generate(int samples)
 {
-    if (numChannels < 1 || samples < 1)
-        return Signal32(numChannels, samples);
-
-    const int channels = hasEqualChannels() ? 1 : numChannels;
-    const Signal32 unlimited = generateUnlimited(channels, samples);
     Signal32 modulation(numChannels, samples);
-    for (int channel = 0; channel < channels; ++channel)
-    {
-        auto* destination = modulation.getWriteChannelPtr(channel);
-        check(ippsThreshold_LTValGTVal_32f(unlimited.getChannelPtr(channel), destination, samples, -depth,
-                                           -depth, depth, depth));
-    }
-    for (int channel = channels; channel < numChannels; ++channel)
-        vo::copy(modulation.getChannelPtr(0), modulation.getWriteChannelPtr(channel), samples);
+    if (numChannels < 1 || samples < 1)
+        return modulation;
 
-    if (offset != 0.0f)
-        modulation += Signal32(numChannels, samples, offset);
+    if (hasEqualChannels())
+    {
+        generateShared(modulation.getWriteChannelPtr(0), samples);
+        for (int channel = 1; channel < numChannels; ++channel)
+            vo::copy(modulation.getChannelPtr(0), modulation.getWriteChannelPtr(channel), samples);
+        return modulation;
+    }
+
+    modulation = noise.generate(samples);
+    for (int channel = 0; channel < numChannels; ++channel)
+    {
+        auto* values = modulation.getWriteChannelPtr(channel);
+        filterNoise(channel, values, samples);
+        finish(values, samples);
+    }
     return modulation;
 }
 
-Signal32 ModulationGenerator::generateUnlimited(int channels, int samples)
+void ModulationGenerator::generateShared(float* destination, int samples)
 {
     if (type == Random)
-        return generateFilteredNoise(channels, samples);
-    if (type == Sinusoidal)
-        return SignalGenerator<float>::generateTone(channels, samples, static_cast<float>(sampleRate), depth,
-                                                    rate, phase);
-    return Signal32(channels, samples, 0.0f);
+    {
+        noise.generateFirstChannel(destination, samples);
+        filterNoise(0, destination, samples);
+    }
+    else if (type == Sinusoidal)
+    {
+        const auto frequency = rate / static_cast<float>(sampleRate);
+        vo::generateSinusoidal(depth, frequency, phase, destination, samples);
+    }
+    else
+        check(ippsZero_32f(destination, samples));
+    finish(destination, samples);
 }
 
-Signal32 ModulationGenerator::generateFilteredNoise(int channels, int samples)
+/** Scales and filters in place, in double precision, because the cut-off lies far below the sample rate. */
+void ModulationGenerator::filterNoise(int channel, float* values, int samples)
 {
-    Signal32 scaled = noise.generate(samples);
-    scaled.numChannels = channels;
-    scaled *= depth;
+    if (preciseNoise.size() < static_cast<std::size_t>(samples))
+        preciseNoise.resize(static_cast<std::size_t>(samples));
+    auto* precise = preciseNoise.data();
+    check(ippsMulC_32f(values, depth, values, samples));
+    check(ippsConvert_32f64f(values, precise, samples));
+    lowPass.processChannel(channel, precise, precise, samples);
+    check(ippsConvert_64f32f(precise, values, samples));
+}
 
-    // In double precision, because the cut-off lies far below the sample rate.
-    Signal64 filtered = scaled.toSignal64();
-    for (int channel = 0; channel < channels; ++channel)
-    {
-        auto* values = filtered.getWriteChannelPtr(channel);
-        lowPass.processChannel(channel, values, values, samples);
-    }
-    return filtered.toSignal32();
+/** Holds the values within the depth and shifts them to the offset. */
+void ModulationGenerator::finish(float* values, int samples) const
+{
+    check(ippsThreshold_LTValGTVal_32f(values, values, samples, -depth, -depth, depth, depth));
+    if (offset != 0.0f)
+        for (int i = 0; i < samples; ++i)
+            values[i] += offset;
 }
 
 } // namespace vesk::audio

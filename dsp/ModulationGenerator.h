@@ -16,11 +16,13 @@
 */
 #pragma once
 
+#include "core/MemoryPool.h"
 #include "core/Signal.h"
 #include "dsp/IirFilter.h"
 #include "dsp/NoiseGenerator.h"
 
 #include <cstdint>
+#include <vector>
 
 namespace vesk::audio
 {
@@ -52,6 +54,9 @@ public:
     /** The next samples, for all channels. Successive calls continue the tone or the noise. */
     Signal32 generate(int samples);
 
+    /** As generate, once for all channels. Precondition: hasEqualChannels and at least one channel. */
+    void generateShared(float* destination, int samples);
+
     /** Whether all channels of a result are the same. */
     bool hasEqualChannels() const { return type != Random || noise.hasEqualChannels(); }
 
@@ -68,8 +73,10 @@ public:
     float phase = 0.0f; ///< as given to setModulation; a tone moves it on
 
 private:
-    Signal32 generateUnlimited(int channels, int samples);
-    Signal32 generateFilteredNoise(int channels, int samples);
+    void finish(float* values, int samples) const;
+    void filterNoise(int channel, float* values, int samples);
+
+    std::vector<double, PoolAllocator<double>> preciseNoise; // work of filterNoise
 };
 
 } // namespace vesk::audio

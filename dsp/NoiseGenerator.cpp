@@ -45,7 +45,7 @@ Signal32 NoiseGenerator::generate(int samples)
         return {};
 
     Signal32 first(1, samples);
-    vo::generateRandomValues(states.front(), first.getWriteChannelPtr(0), samples);
+    generateFirstChannel(first.getWriteChannelPtr(0), samples);
     if (numChannels == 1)
         return first;
 

@@ -48,6 +48,12 @@ public:
     /** The next samples; successive calls continue the sequence. Empty if there are no channels. */
     Signal32 generate(int samples);
 
+    /** As generate, of the first channel alone. Precondition: there is one. */
+    void generateFirstChannel(float* destination, int samples)
+    {
+        vo::generateRandomValues(states.front(), destination, samples);
+    }
+
     /** Whether all channels of a result are the same, in gain too. */
     bool hasEqualChannels() const { return numChannels < 2 || correlation == 0.0f || correlation == 1.0f; }
 

@@ -18,6 +18,7 @@ namespace vesk::audio
 {
 struct FeedbackFrame;
 struct FeedbackLines;
+struct MovingRead;
 struct StereoFilter;
 template <typename T>
 struct StereoSpectrum;
@@ -75,6 +76,10 @@ struct KernelTable
     void (*recursive64)(const double* src, double* dst, std::size_t n, RecursiveFilter<double>& filter);
 
     void (*feedbackFrame)(FeedbackLines& lines, const FeedbackFrame& frame);
+
+    void (*upsampleByTwo)(const float* src, float* dst, std::size_t n, const float* taps);
+    void (*readMoving)(const MovingRead& read, std::span<const float* const> lines,
+                       std::span<float* const> outputs);
 
     /** Values of randomBlockLength from value number randomBlockLength * block on. */
     void (*gaussianBlock)(float* dst, std::uint64_t block, std::uint64_t key, float mean,

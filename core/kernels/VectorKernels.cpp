@@ -16,10 +16,12 @@
 #define HWY_TARGET_INCLUDE "core/kernels/VectorKernels.cpp"
 #include "hwy/foreach_target.h" // IWYU pragma: keep
 
+#include "core/delayKernels.h"
 #include "core/feedbackKernel.h"
 #include "core/kernels.h"
 #include "core/kernels/Tables.h"
 
+#include "core/kernels/Delay-inl.h"
 #include "core/kernels/Elementwise-inl.h"
 #include "core/kernels/Feedback-inl.h"
 #include "core/kernels/Filters-inl.h"
@@ -67,6 +69,8 @@ const KernelTable& getTable()
         .recursive32 = recursive32,
         .recursive64 = recursive64,
         .feedbackFrame = feedbackFrame,
+        .upsampleByTwo = upsampleByTwo,
+        .readMoving = readMoving,
         .gaussianBlock = gaussianBlock,
         .uniformBlock = uniformBlock,
     };

@@ -1,5 +1,6 @@
 #include "dsp/FractionalDelay.h"
 
+#include "tests/core/KernelFixture.h"
 #include "tests/dsp/Measures.h"
 
 #include <gtest/gtest.h>
@@ -20,7 +21,12 @@ void prepare(FractionalDelay& delay, int channels, float baseDelay, ModulationGe
 }
 } // namespace
 
-TEST(FractionalDelay, DelaysAsLongAsLineAndModulationSay)
+class FractionalDelayKernel : public KernelFixture
+{
+};
+AMBREL_ON_ALL_INSTRUCTION_SETS(FractionalDelayKernel);
+
+TEST_P(FractionalDelayKernel, DelaysAsLongAsLineAndModulationSay)
 {
     struct Row
     {
@@ -86,6 +92,23 @@ TEST(FractionalDelay, RandomReadIsOneStreamInAnyCutsAndAfterAReset)
     EXPECT_EQ(getPeak(getChannel(restarted, 0).first(144)), 0.0);
     EXPECT_GT(getLevel(getChannel(restarted, 0).subspan(440, 100)), -10.0);
     EXPECT_EQ(inCuts.process(Signal32(2, 0)).numSamples, 0);
+}
+
+TEST_P(FractionalDelayKernel, LineIsTheInterpolatorsOutput)
+{
+    FractionalDelay delay;
+    prepare(delay, 2, 0.0f, ModulationGenerator::Random, 0.003f, 1.0f);
+    const Signal32 input = makeNoiseSignal(2, 400, 5);
+    processInCuts(input, [&](const Signal32& block) { return delay.process(block); });
+    const Signal32 line = delay.queue.peek(delay.delaySamples - 800, 800);
+
+    Signal32 spaced(2, 800, 0.0f);
+    for (int c = 0; c < 2; ++c)
+        for (int i = 0; i < 400; ++i)
+            spaced.getWriteChannelPtr(c)[2 * i] = input.getChannelPtr(c)[i];
+    const Signal32 expected = delay.interpolator.process(spaced);
+    for (int c = 0; c < 2; ++c)
+        EXPECT_LT(maxDifference(getChannel(line, c), getChannel(expected, c)), 1e-6);
 }
 
 TEST(FractionalDelay, ShorterLineKeepsItsNewestSamples)
