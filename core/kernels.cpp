@@ -395,18 +395,6 @@ IppStatus ippsSampleDown_32f(const float* src, int srcLength, float* dst, int* d
 //==============================================================================
 // FIR
 
-struct FirSpec
-{
-    static constexpr std::uint32_t marker = 0x46495220;
-
-    std::uint32_t magic;
-    int tapsLength;
-
-    /** The taps, then the taps from last to first. */
-    const float* getTaps() const { return reinterpret_cast<const float*>(this + 1); }
-    float* getTaps() { return reinterpret_cast<float*>(this + 1); }
-};
-
 namespace
 {
 
@@ -462,8 +450,8 @@ IppStatus ippsFIRSR_32f(const float* src, float* dst, int n, const FirSpec* spec
 
     const auto tapsLength = toSize(spec->tapsLength);
     const std::size_t past = tapsLength - 1;
-    const float* taps = spec->getTaps();
     float* history = kernels::alignToCacheLine<float>(buffer);
+    const FirInput input{.block = history + past, .spec = spec};
     if (dlySrc != nullptr)
         std::memcpy(history, dlySrc, past * sizeof(float));
     else
@@ -474,7 +462,7 @@ IppStatus ippsFIRSR_32f(const float* src, float* dst, int n, const FirSpec* spec
     {
         const auto length = std::min(total - done, toSize(firPieceLength));
         std::memcpy(history + past, src + done, length * sizeof(float));
-        getKernels().fir(history + past, dst + done, length, taps, taps + tapsLength, tapsLength);
+        getKernels().fir(&input, 1, dst + done, length);
         done += length;
         float* newPast = done < total ? history : dlyDst;
         if (newPast != nullptr)
@@ -482,6 +470,21 @@ IppStatus ippsFIRSR_32f(const float* src, float* dst, int n, const FirSpec* spec
         if (done == total)
             break;
     }
+    return ippStsNoErr;
+}
+
+IppStatus firSum_32f(std::span<const FirInput> inputs, float* dst, int n)
+{
+    if (inputs.empty())
+        return ippStsBadArgErr;
+    for (const auto& input : inputs)
+    {
+        if (const auto status = checkArrays(n, input.block, input.spec, dst); status != ippStsNoErr)
+            return status;
+        if (input.spec->magic != FirSpec::marker || input.spec->tapsLength != inputs.front().spec->tapsLength)
+            return ippStsContextMatchErr;
+    }
+    getKernels().fir(inputs.data(), inputs.size(), dst, toSize(n));
     return ippStsNoErr;
 }
 

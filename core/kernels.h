@@ -24,6 +24,7 @@
 
 #include <complex>
 #include <cstdint>
+#include <span>
 
 namespace vesk::audio
 {
@@ -253,6 +254,16 @@ IppStatus ippsFIRSRInit_32f(const float* taps, int tapsLength, int algorithm, Fi
     @param buffer  bufferBytes of scratch, any alignment */
 IppStatus ippsFIRSR_32f(const float* src, float* dst, int n, const FirSpec* spec, const float* dlySrc,
                         float* dlyDst, std::uint8_t* buffer);
+
+/** A block to be filtered, with the tapsLength - 1 samples before it in the same array. */
+struct FirInput
+{
+    const float* block;
+    const FirSpec* spec;
+};
+
+/** The sum of the filtered inputs, whose filters have equally many taps. Not in place. */
+IppStatus firSum_32f(std::span<const FirInput> inputs, float* dst, int n);
 
 //==============================================================================
 // IIR filters: y[i] = (sum b[k] x[i-k] - sum over k >= 1 of a[k] y[i-k]) / a0.

@@ -14,6 +14,9 @@ namespace
 {
 /** Up to this many taps the direct head costs less than a block partition, however long the blocks are. */
 constexpr int longestAlwaysDirect = 32;
+
+/** Below this block length the direct head costs less than short partitions. */
+constexpr int shortestPartition = 32;
 } // namespace
 
 FirFilter::FirFilter() : directFilter(std::make_unique<IppFirFilter>()) {}
@@ -43,6 +46,11 @@ void FirFilter::setMultipleIRs(const std::vector<Signal32>& responses)
     {
         partitions.clear();
         blockPartition.reset();
+        if (shortHead != nullptr)
+        {
+            shortHead.reset();
+            blockSize = -1; // the next block chooses the head anew
+        }
     }
     numImpulseResponses = responseCount;
     numChannels = channelCount;
@@ -51,6 +59,8 @@ void FirFilter::setMultipleIRs(const std::vector<Signal32>& responses)
         createBlockPartition();
     else if (blockPartition != nullptr)
         blockPartition->setImpulseResponses(impulseResponses);
+    else if (shortHead != nullptr)
+        shortHead->setImpulseResponses(impulseResponses);
 
     // The first response tells the length; the heads share a past, so a shorter one is filled up.
     const int numTaps = std::min(impulseResponses.front().numSamples, headLength);
@@ -84,8 +94,14 @@ int FirFilter::getLookBack() const
 
 void FirFilter::createBlockPartition()
 {
-    blockPartition = std::make_shared<Partition>(numChannels, numImpulseResponses, 0, blockPartitionSize);
+    blockPartition = std::allocate_shared<Partition>(PoolAllocator<Partition>(), numChannels, numImpulseResponses, 0, blockPartitionSize);
     blockPartition->setImpulseResponses(impulseResponses);
+}
+
+void FirFilter::createShortHead(int length)
+{
+    shortHead = std::allocate_shared<Partition>(PoolAllocator<Partition>(), numChannels, numImpulseResponses, 0, length, headLength / length);
+    shortHead->setImpulseResponses(impulseResponses);
 }
 
 /** The schedule: sizes double, each partition starts where the one before ends. With load distribution an
@@ -168,35 +184,45 @@ void FirFilter::updateBlockSize(int length)
     if (length == blockSize)
         return;
     blockSize = length;
-
-    const bool fits = length >= headLength && MathEx::findNearestPowerOfTwo(length) == length &&
-                      impulseResponses.front().numSamples > longestAlwaysDirect;
-    const int wanted = fits ? length : -1;
-    if (wanted == blockPartitionSize)
+    const int formerPartitionSize = blockPartitionSize;
+    chooseHead(length);
+    if (blockPartitionSize == formerPartitionSize)
         return;
-    blockPartitionSize = wanted;
-
-    if (wanted == -1)
-    {
-        blockPartition.reset();
-        if (input.numChannels >= 0)
-        {
-            const int past = std::min(input.capacity, headLength);
-            directFilter->setDelayLine(input.peek(-past, past));
-        }
-    }
-    else
-        createBlockPartition();
 
     for (auto& partition : partitions)
     {
-        const bool runs = partition->offset >= wanted;
+        const bool runs = partition->offset >= blockPartitionSize;
         // What was queued before the pause belongs to another time: the next frames come from the history.
         if (runs && !partition->active)
             partition->reset();
         partition->active = runs;
     }
     linkPartitions();
+}
+
+void FirFilter::chooseHead(int length)
+{
+    const bool wasDirect = blockPartition == nullptr && shortHead == nullptr;
+    const bool fits = MathEx::findNearestPowerOfTwo(length) == length &&
+                      impulseResponses.front().numSamples > longestAlwaysDirect;
+    const int wanted = fits && length >= headLength ? length : -1;
+    shortHead.reset();
+    if (wanted != blockPartitionSize)
+    {
+        blockPartitionSize = wanted;
+        blockPartition.reset();
+        if (wanted != -1)
+            createBlockPartition();
+    }
+    if (fits && length < headLength && length >= shortestPartition && numChannels % 2 == 0)
+        createShortHead(length);
+
+    const bool isDirect = blockPartition == nullptr && shortHead == nullptr;
+    if (isDirect && !wasDirect && input.numChannels >= 0)
+    {
+        const int past = std::min(input.capacity, headLength);
+        directFilter->setDelayLine(input.peek(-past, past));
+    }
 }
 
 void FirFilter::beginBlock(const Signal32& block)
@@ -252,12 +278,12 @@ void FirFilter::computeMultiple(const Signal32& samples)
     beginBlock(samples);
     results.resize(static_cast<std::size_t>(numImpulseResponses));
     const Block block{.input = input, .start = position, .length = samples.numSamples, .summed = false};
-    if (blockPartition != nullptr)
+    if (auto* head = getPartitionedHead())
     {
         for (auto& result : results)
             result = Signal32(numChannels, samples.numSamples);
-        blockPartition->computeReadyFrames(block);
-        blockPartition->getOutputs(results);
+        head->computeReadyFrames(block);
+        head->getOutputs(results);
     }
     else
         directFilter->process(samples, results);
@@ -282,11 +308,11 @@ Signal32 FirFilter::processSummed(const Signal32& samples)
     beginBlock(samples);
     const Block block{.input = input, .start = position, .length = samples.numSamples, .summed = true};
     Signal32 result;
-    if (blockPartition != nullptr)
+    if (auto* head = getPartitionedHead())
     {
         result = Signal32(numImpulseResponses, samples.numSamples);
-        blockPartition->computeReadyFrames(block);
-        blockPartition->getOutputs({&result, 1});
+        head->computeReadyFrames(block);
+        head->getOutputs({&result, 1});
     }
     else
         result = directFilter->processSummed(samples);
@@ -300,8 +326,8 @@ void FirFilter::reset()
     input.clear();
     for (auto& partition : partitions)
         partition->reset();
-    if (blockPartition != nullptr)
-        blockPartition->forgetSpectrum();
+    if (auto* head = getPartitionedHead())
+        head->forgetSpectra();
     directFilter->reset();
 }
 

@@ -6,7 +6,7 @@
     (128, 256, 512, ...), each an overlap-save convolver whose results wait in a queue until they are due
     (W. G. Gardner, "Efficient convolution without input-output delay", 1995). When the block length is a
     power of two of at least 128, one FFT partition as long as the block takes the place of the head and of the
-    partitions that lie inside it.
+    partitions that lie inside it; with 32 or 64, short partitions take the place of the head alone.
 
         FirFilter filter;
         filter.setImpulseResponse(response);       // channels by taps
@@ -91,6 +91,7 @@ public:
     std::vector<Signal32> impulseResponses;
     std::vector<std::unique_ptr<Partition>> partitions; ///< in schedule order
     std::shared_ptr<Partition> blockPartition;          ///< the FFT head, or empty
+    std::shared_ptr<Partition> shortHead;               ///< the head for short blocks, or empty
     int numChannels = 0;
     int numImpulseResponses = 0;
     int blockSize = -1;          ///< block length last seen
@@ -106,6 +107,12 @@ private:
     void updatePartitions();
     void updateBlockSize(int length);
     void createBlockPartition();
+    void createShortHead(int length);
+    void chooseHead(int length);
+    Partition* getPartitionedHead() const
+    {
+        return blockPartition != nullptr ? blockPartition.get() : shortHead.get();
+    }
     int getLookBack() const;
     void linkPartitions();
     void beginBlock(const Signal32& block);
@@ -131,9 +138,11 @@ private:
 class FirFilter::Partition
 {
 public:
-    /** @param offset  where the slice starts in the responses
-        @param size    length of the slice, a power of two */
-    Partition(int numChannels, int numImpulseResponses, int offset, int size);
+    /** @param offset     where the slice starts in the responses
+        @param size       length of the slice, a power of two
+        @param numSlices  how many slices of this size follow each other; more than one needs an even number of
+                          channels. The spectra of the last frames serve the later slices. */
+    Partition(int numChannels, int numImpulseResponses, int offset, int size, int numSlices = 1);
 
     /** Takes the slices. A response that ends before the offset gives silence. The queues stay. */
     void setImpulseResponses(const std::vector<Signal32>& responses);
@@ -172,7 +181,11 @@ public:
     void setTwin(const Partition* partition) { twin = partition; }
 
     /** The input history is another one now. */
-    void forgetSpectrum() { hasSpectrum = false; }
+    void forgetSpectra()
+    {
+        for (auto& spectrum : spectra)
+            spectrum.isValid = false;
+    }
 
     /** Drops what is queued. */
     void reset();
@@ -185,34 +198,40 @@ public:
     int impulseResponseLength = 0;
     bool active = true;
     Signal32 timeBuffer;
-    ComplexSignal32 inputSpectrum;
     ComplexSignal32 productSpectrum;
-    std::vector<SignalQueue<Signal32>> queues;
-    std::vector<ComplexSignal32> irSpectra;
+    std::vector<SignalQueue<Signal32>, PoolAllocator<SignalQueue<Signal32>>> queues;
+    std::vector<ComplexSignal32, PoolAllocator<ComplexSignal32>> irSpectra; ///< response k, slice s at index k * numSlices + s
     int offset;
     FourierTransform fourierTransform;
 
 private:
+    struct FrameSpectrum
+    {
+        bool isValid = false;
+        std::int64_t start = 0;        ///< of the frame in the stream
+        Signal32 pairs;                ///< of an even number of channels: two arrays for each pair
+        ComplexSignal32 inputSpectrum; ///< of an odd number
+    };
+
     int getSize() const { return fftSize / 2; }
     bool isPaired() const { return numChannels % 2 == 0; }
     ComplexSignal32 transformResponse(const Signal32& padded);
     int getLead() const;
-    bool isSpectrumOf(std::int64_t frameStart) const { return hasSpectrum && spectrumStart == frameStart; }
-    const Partition& getSpectrumSource(std::int64_t frameStart) const;
-    void prepareSpectrum(const Block& block);
+    const FrameSpectrum* findSpectrum(std::int64_t frameStart) const;
+    void prepareSpectrum(const Block& block, std::int64_t frameStart);
     void finishFrame(const Block& block);
-    void transformFrame(CircularBuffer<Signal32>& input, int start);
-    void multiply(const Partition& source, std::size_t response);
-    void multiplySummed(const Partition& source);
+    void transformFrame(CircularBuffer<Signal32>& input, int start, FrameSpectrum& spectrum);
+    void multiply(std::int64_t frameStart, int response);
+    void multiplySummed(std::int64_t frameStart);
+    const ComplexSignal32& getResponse(int response, int slice) const
+    {
+        return irSpectra[static_cast<std::size_t>(response * numSlices + slice)];
+    }
     void queueProduct(SignalQueue<Signal32>& queue, int channels);
 
-    // In place of inputSpectrum and productSpectrum for an even number of channels: two channels for each pair.
-    Signal32 pairSpectra;
-    Signal32 pairProducts;
-
-    // Which frame the spectrum belongs to.
-    bool hasSpectrum = false;
-    std::int64_t spectrumStart = 0;
+    int numSlices;
+    std::vector<FrameSpectrum, PoolAllocator<FrameSpectrum>> spectra; ///< of the last frames, as many as there are slices
+    Signal32 pairProducts;              ///< in place of productSpectrum for an even number of channels
     const Partition* twin = nullptr;
 };
 
@@ -243,9 +262,7 @@ public:
 
     // State, open to inspection; only the operations above write it.
 
-    Signal32 workSignal;
     std::vector<FirSpec*> specs; ///< response k, channel c at index k * numChannels + c
-    std::vector<std::uint8_t*> buffers;
     Signal32
         delayLine; ///< numChannels by tapsLength; its first tapsLength - 1 samples are the past, oldest first
     int numChannels = 0;
@@ -254,7 +271,11 @@ public:
 
 private:
     void free();
-    void filter(const Signal32& input, int response, int channel, float* destination);
+    void takeBlock(const Signal32& input);
+    FirInput getInput(int response, int channel) const;
+
+    Signal32 history;             ///< the past and the present block, one after the other
+    std::vector<FirInput> summed; ///< what makes one output
 };
 
 } // namespace vesk::audio

@@ -15,10 +15,7 @@ void FirFilter::IppFirFilter::free()
 {
     for (auto* spec : specs)
         ippsFree(spec);
-    for (auto* buffer : buffers)
-        ippsFree(buffer);
     specs.clear();
-    buffers.clear();
 }
 
 void FirFilter::IppFirFilter::setFilter(const std::vector<Signal32>& heads)
@@ -38,10 +35,7 @@ void FirFilter::IppFirFilter::setFilter(const std::vector<Signal32>& heads)
         int bufferBytes = 0;
         ippsFIRSRGetSize(tapsLength, ippDataType32f, &specBytes, &bufferBytes);
         for (std::size_t i = 0; i < heads.size() * static_cast<std::size_t>(numChannels); ++i)
-        {
             specs.push_back(reinterpret_cast<FirSpec*>(ippsMalloc_8u(specBytes)));
-            buffers.push_back(ippsMalloc_8u(bufferBytes));
-        }
     }
 
     auto spec = specs.begin();
@@ -62,13 +56,25 @@ void FirFilter::IppFirFilter::setDelayLine(const Signal32& past)
                  delayLine.getWriteChannelPtr(channel) + wanted - length, length);
 }
 
-/** One response and channel. All responses start from the same past; the last one stores the new one. */
-void FirFilter::IppFirFilter::filter(const Signal32& input, int response, int channel, float* destination)
+/** Joins each channel's past and block, and keeps the end as the new past. */
+void FirFilter::IppFirFilter::takeBlock(const Signal32& input)
 {
-    const auto index = static_cast<std::size_t>(response * numChannels + channel);
-    auto* newPast = response == numImpulseResponses - 1 ? delayLine.getWriteChannelPtr(channel) : nullptr;
-    ippsFIRSR_32f(input.getChannelPtr(channel), destination, input.numSamples, specs[index],
-                  delayLine.getChannelPtr(channel), newPast, buffers[index]);
+    const int past = tapsLength - 1;
+    history.ensureDimensions(numChannels, headLength + input.numSamples);
+    for (int channel = 0; channel < numChannels; ++channel)
+    {
+        auto* block = history.getWriteChannelPtr(channel) + headLength;
+        auto* kept = delayLine.getWriteChannelPtr(channel);
+        vo::copy(static_cast<const float*>(kept), block - past, past);
+        vo::copy(input.getChannelPtr(channel), block, input.numSamples);
+        vo::copy(static_cast<const float*>(block) + input.numSamples - past, kept, past);
+    }
+}
+
+FirInput FirFilter::IppFirFilter::getInput(int response, int channel) const
+{
+    return {.block = history.getChannelPtr(channel) + headLength,
+            .spec = specs[static_cast<std::size_t>(response * numChannels + channel)]};
 }
 
 std::vector<Signal32> FirFilter::IppFirFilter::process(const Signal32& input)
@@ -80,30 +86,30 @@ std::vector<Signal32> FirFilter::IppFirFilter::process(const Signal32& input)
 
 void FirFilter::IppFirFilter::process(const Signal32& input, std::vector<Signal32>& results)
 {
+    takeBlock(input);
     results.resize(static_cast<std::size_t>(numImpulseResponses));
     for (int response = 0; response < numImpulseResponses; ++response)
     {
         Signal32 result(input.numChannels, input.numSamples);
-        for (int channel = 0; channel < numChannels; ++channel)
-            filter(input, response, channel, result.getWriteChannelPtr(channel));
+        for (int channel = 0; channel < numChannels && input.numSamples > 0; ++channel)
+        {
+            const FirInput source = getInput(response, channel);
+            check(firSum_32f({&source, 1}, result.getWriteChannelPtr(channel), input.numSamples));
+        }
         results[static_cast<std::size_t>(response)] = std::move(result);
     }
 }
 
 Signal32 FirFilter::IppFirFilter::processSummed(const Signal32& input)
 {
-    Signal32 result(numImpulseResponses, input.numSamples, 0.0f);
-    workSignal.ensureDimensions(1, input.numSamples);
-    for (int response = 0; response < numImpulseResponses; ++response)
+    takeBlock(input);
+    Signal32 result(numImpulseResponses, input.numSamples);
+    summed.resize(static_cast<std::size_t>(numChannels));
+    for (int response = 0; response < numImpulseResponses && input.numSamples > 0; ++response)
     {
-        auto* sum = result.getWriteChannelPtr(response);
         for (int channel = 0; channel < numChannels; ++channel)
-        {
-            auto* filtered = workSignal.getWriteChannelPtr(0);
-            filter(input, response, channel, filtered);
-            if (input.numSamples > 0)
-                check(ippsAdd_32f(sum, filtered, sum, input.numSamples));
-        }
+            summed[static_cast<std::size_t>(channel)] = getInput(response, channel);
+        check(firSum_32f(summed, result.getWriteChannelPtr(response), input.numSamples));
     }
     return result;
 }

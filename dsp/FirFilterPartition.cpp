@@ -44,14 +44,13 @@ void separate(StereoSpectrum<const float> z, int half, std::complex<float>* left
 }
 } // namespace
 
-FirFilter::Partition::Partition(int channels, int responses, int start, int size)
+FirFilter::Partition::Partition(int channels, int responses, int start, int size, int slices)
     : numImpulseResponses(responses), numChannels(channels), fftSize(2 * size),
-      queues(static_cast<std::size_t>(responses)), irSpectra(static_cast<std::size_t>(responses)),
-      offset(start)
+      queues(static_cast<std::size_t>(responses)), irSpectra(static_cast<std::size_t>(responses * slices)),
+      offset(start), numSlices(slices), spectra(static_cast<std::size_t>(slices))
 {
+    assert(slices == 1 || isPaired());
     fourierTransform.allocate(fftSize, !isPaired());
-    if (isPaired())
-        pairSpectra = Signal32(numChannels, fftSize + 1);
 }
 
 void FirFilter::Partition::setImpulseResponses(const std::vector<Signal32>& responses)
@@ -59,22 +58,24 @@ void FirFilter::Partition::setImpulseResponses(const std::vector<Signal32>& resp
     impulseResponseLength = responses.front().numSamples;
     // Both separate() and the product's own separation give twice the spectra.
     const float scale = (isPaired() ? 0.25f : 1.0f) / static_cast<float>(fftSize);
-    for (std::size_t k = 0; k < irSpectra.size(); ++k)
+    for (std::size_t i = 0; i < irSpectra.size(); ++i)
     {
+        const Signal32& response = responses[i / static_cast<std::size_t>(numSlices)];
+        const int start = offset + static_cast<int>(i) % numSlices * getSize();
         // The zeros beside the slice make the circular convolution of the transform a linear one. Standing in
         // the second half, the slice delays by half a frame.
         Signal32 padded(numChannels, fftSize, 0.0f);
-        const int length = std::min(responses[k].numSamples - offset, getSize());
+        const int length = std::min(response.numSamples - start, getSize());
         for (int channel = 0; channel < numChannels && length > 0; ++channel)
-            check(ippsMulC_32f(responses[k].getChannelPtr(channel) + offset, scale,
+            check(ippsMulC_32f(response.getChannelPtr(channel) + start, scale,
                                padded.getWriteChannelPtr(channel) + getSize(), length));
-        irSpectra[k] = transformResponse(padded);
+        irSpectra[i] = transformResponse(padded);
     }
 }
 
 ComplexSignal32 FirFilter::Partition::transformResponse(const Signal32& padded)
 {
-    ComplexSignal32 spectra(numChannels, getSize() + 1);
+    ComplexSignal32 result(numChannels, getSize() + 1);
     if (isPaired())
     {
         Signal32 joint(2, fftSize + 1);
@@ -83,13 +84,13 @@ ComplexSignal32 FirFilter::Partition::transformResponse(const Signal32& padded)
             const auto pair = getPair(joint, 0);
             fourierTransform.forwardStereo(padded.getChannelPtr(channel), padded.getChannelPtr(channel + 1),
                                            pair);
-            separate(asConst(pair), getSize(), spectra.getWriteChannelPtr(channel),
-                     spectra.getWriteChannelPtr(channel + 1));
+            separate(asConst(pair), getSize(), result.getWriteChannelPtr(channel),
+                     result.getWriteChannelPtr(channel + 1));
         }
     }
     else
-        fourierTransform.forwardReal(padded, spectra);
-    return spectra;
+        fourierTransform.forwardReal(padded, result);
+    return result;
 }
 
 /** How far before the current block's first sample the next frame starts. */
@@ -103,14 +104,14 @@ int FirFilter::Partition::countReadyFrames(const Block& block) const
     return std::max((block.length + getLead()) / getSize() - 1, 0);
 }
 
-void FirFilter::Partition::transformFrame(CircularBuffer<Signal32>& input, int start)
+void FirFilter::Partition::transformFrame(CircularBuffer<Signal32>& input, int start, FrameSpectrum& spectrum)
 {
     if (!isPaired())
     {
         timeBuffer.ensureDimensions(numChannels, fftSize);
-        inputSpectrum.ensureDimensions(numChannels, getSize() + 1);
+        spectrum.inputSpectrum.ensureDimensions(numChannels, getSize() + 1);
         input.peek(start, timeBuffer);
-        fourierTransform.forwardReal(timeBuffer, inputSpectrum);
+        fourierTransform.forwardReal(timeBuffer, spectrum.inputSpectrum);
         return;
     }
 
@@ -123,10 +124,10 @@ void FirFilter::Partition::transformFrame(CircularBuffer<Signal32>& input, int s
     const auto getSource = [&](int channel)
     { return inOnePiece ? input.find(channel, start, fftSize) : timeBuffer.getChannelPtr(channel); };
 
-    pairSpectra.ensureDimensions(numChannels, fftSize + 1);
+    spectrum.pairs.ensureDimensions(numChannels, fftSize + 1);
     for (int channel = 0; channel < numChannels; channel += 2)
         fourierTransform.forwardStereo(getSource(channel), getSource(channel + 1),
-                                       getPair(pairSpectra, channel / 2));
+                                       getPair(spectrum.pairs, channel / 2));
 }
 
 /** Transforms the product back into a block whose handle shows the half that is valid, and queues it. */
@@ -145,92 +146,108 @@ void FirFilter::Partition::queueProduct(SignalQueue<Signal32>& queue, int channe
     queue.add(frame);
 }
 
-/** The product of the frame's spectra with those of one response, channel by channel. */
-void FirFilter::Partition::multiply(const Partition& source, std::size_t response)
+/** The product of a frame's spectra with those of one response, channel by channel. */
+void FirFilter::Partition::multiply(std::int64_t frameStart, int response)
 {
-    const auto& spectra = irSpectra[response];
-    if (isPaired())
+    if (!isPaired())
     {
-        pairProducts.ensureDimensions(numChannels, fftSize + 1);
-        for (int channel = 0; channel < numChannels; channel += 2)
-            check(filterStereoSpectrum_32f(getPair(source.pairSpectra, channel / 2),
-                                           {.leftToLeft = spectra.getChannelPtr(channel),
-                                            .rightToRight = spectra.getChannelPtr(channel + 1)},
-                                           getPair(pairProducts, channel / 2), getSize(), false));
+        const auto& input = findSpectrum(frameStart)->inputSpectrum;
+        productSpectrum.ensureDimensions(numChannels, getSize() + 1);
+        for (int channel = 0; channel < numChannels; ++channel)
+            check(ippsMul_32fc(input.getChannelPtr(channel), getResponse(response, 0).getChannelPtr(channel),
+                               productSpectrum.getWriteChannelPtr(channel), getSize() + 1));
         return;
     }
-    productSpectrum.ensureDimensions(numChannels, getSize() + 1);
-    for (int channel = 0; channel < numChannels; ++channel)
-        check(ippsMul_32fc(source.inputSpectrum.getChannelPtr(channel), spectra.getChannelPtr(channel),
-                           productSpectrum.getWriteChannelPtr(channel), getSize() + 1));
+    pairProducts.ensureDimensions(numChannels, fftSize + 1);
+    for (int slice = 0; slice < numSlices; ++slice)
+    {
+        const auto& pairs = findSpectrum(frameStart - slice * getSize())->pairs;
+        const auto& filter = getResponse(response, slice);
+        for (int channel = 0; channel < numChannels; channel += 2)
+            check(filterStereoSpectrum_32f(getPair(pairs, channel / 2),
+                                           {.leftToLeft = filter.getChannelPtr(channel),
+                                            .rightToRight = filter.getChannelPtr(channel + 1)},
+                                           getPair(pairProducts, channel / 2), getSize(), slice > 0));
+    }
 }
 
 /** The products with all responses, summed over the input channels: one output for each response. */
-void FirFilter::Partition::multiplySummed(const Partition& source)
+void FirFilter::Partition::multiplySummed(std::int64_t frameStart)
 {
-    if (isPaired())
+    if (!isPaired())
     {
-        pairProducts.ensureDimensions(roundUpToEven(numImpulseResponses), fftSize + 1);
-        for (int k = 0; k < numImpulseResponses; k += 2)
+        const auto& input = findSpectrum(frameStart)->inputSpectrum;
+        const int numBins = getSize() + 1;
+        productSpectrum.ensureDimensions(numImpulseResponses, numBins);
+        for (int k = 0; k < numImpulseResponses; ++k)
+        {
+            const auto& response = getResponse(k, 0);
+            auto* sum = productSpectrum.getWriteChannelPtr(k);
+            check(ippsMul_32fc(input.getChannelPtr(0), response.getChannelPtr(0), sum, numBins));
+            for (int channel = 1; channel < numChannels; ++channel)
+                check(ippsAddProduct_32fc(input.getChannelPtr(channel), response.getChannelPtr(channel), sum,
+                                          numBins));
+        }
+        return;
+    }
+    pairProducts.ensureDimensions(roundUpToEven(numImpulseResponses), fftSize + 1);
+    for (int k = 0; k < numImpulseResponses; k += 2)
+        for (int slice = 0; slice < numSlices; ++slice)
         {
             // With an odd number of outputs the last one is computed twice.
-            const auto& left = irSpectra[static_cast<std::size_t>(k)];
-            const auto& right = irSpectra[static_cast<std::size_t>(std::min(k + 1, numImpulseResponses - 1))];
+            const auto& left = getResponse(k, slice);
+            const auto& right = getResponse(std::min(k + 1, numImpulseResponses - 1), slice);
+            const auto& pairs = findSpectrum(frameStart - slice * getSize())->pairs;
             for (int channel = 0; channel < numChannels; channel += 2)
-                check(filterStereoSpectrum_32f(getPair(source.pairSpectra, channel / 2),
+                check(filterStereoSpectrum_32f(getPair(pairs, channel / 2),
                                                {.leftToLeft = left.getChannelPtr(channel),
                                                 .rightToRight = right.getChannelPtr(channel + 1),
                                                 .rightToLeft = left.getChannelPtr(channel + 1),
                                                 .leftToRight = right.getChannelPtr(channel)},
-                                               getPair(pairProducts, k / 2), getSize(), channel > 0));
+                                               getPair(pairProducts, k / 2), getSize(),
+                                               slice > 0 || channel > 0));
         }
-        return;
-    }
-    const int numBins = getSize() + 1;
-    productSpectrum.ensureDimensions(numImpulseResponses, numBins);
-    for (int k = 0; k < numImpulseResponses; ++k)
-    {
-        const auto& spectra = irSpectra[static_cast<std::size_t>(k)];
-        auto* sum = productSpectrum.getWriteChannelPtr(k);
-        check(ippsMul_32fc(source.inputSpectrum.getChannelPtr(0), spectra.getChannelPtr(0), sum, numBins));
-        for (int channel = 1; channel < numChannels; ++channel)
-            check(ippsAddProduct_32fc(source.inputSpectrum.getChannelPtr(channel),
-                                      spectra.getChannelPtr(channel), sum, numBins));
-    }
 }
 
 //==============================================================================
 // Frames
 
-const FirFilter::Partition& FirFilter::Partition::getSpectrumSource(std::int64_t frameStart) const
+/** Null if neither this partition nor its twin has transformed that frame lately. */
+const FirFilter::Partition::FrameSpectrum* FirFilter::Partition::findSpectrum(std::int64_t frameStart) const
 {
-    return twin != nullptr && twin->isSpectrumOf(frameStart) ? *twin : *this;
+    for (const auto& spectrum : spectra)
+        if (spectrum.isValid && spectrum.start == frameStart)
+            return &spectrum;
+    return twin != nullptr ? twin->findSpectrum(frameStart) : nullptr;
 }
 
-void FirFilter::Partition::prepareSpectrum(const Block& block)
+void FirFilter::Partition::prepareSpectrum(const Block& block, std::int64_t frameStart)
 {
-    const std::int64_t frameStart = block.start - getLead();
-    if (getSpectrumSource(frameStart).isSpectrumOf(frameStart))
+    if (findSpectrum(frameStart) != nullptr)
         return;
-    transformFrame(block.input, -getLead());
-    hasSpectrum = true;
-    spectrumStart = frameStart;
+    const auto isOlder = [](const FrameSpectrum& a, const FrameSpectrum& b)
+    { return a.isValid != b.isValid ? b.isValid : a.start < b.start; };
+    auto& oldest = *std::min_element(spectra.begin(), spectra.end(), isOlder);
+    transformFrame(block.input, static_cast<int>(frameStart - block.start), oldest);
+    oldest.isValid = true;
+    oldest.start = frameStart;
 }
 
 void FirFilter::Partition::finishFrame(const Block& block)
 {
-    prepareSpectrum(block);
-    const Partition& source = getSpectrumSource(block.start - getLead());
+    const std::int64_t frameStart = block.start - getLead();
+    for (int slice = 0; slice < numSlices; ++slice)
+        prepareSpectrum(block, frameStart - slice * getSize());
     if (block.summed)
     {
-        multiplySummed(source);
+        multiplySummed(frameStart);
         queueProduct(queues.front(), numImpulseResponses);
         return;
     }
-    for (std::size_t k = 0; k < queues.size(); ++k)
+    for (int k = 0; k < numImpulseResponses; ++k)
     {
-        multiply(source, k);
-        queueProduct(queues[k], numChannels);
+        multiply(frameStart, k);
+        queueProduct(queues[static_cast<std::size_t>(k)], numChannels);
     }
 }
 
@@ -251,10 +268,10 @@ void FirFilter::Partition::computeDueFrames(const Block& block)
 void FirFilter::Partition::advanceReadyFrame(const Block& block)
 {
     const std::int64_t frameStart = block.start - getLead();
-    if (getSpectrumSource(frameStart).isSpectrumOf(frameStart))
+    if (findSpectrum(frameStart) != nullptr)
         finishFrame(block);
     else
-        prepareSpectrum(block);
+        prepareSpectrum(block, frameStart);
 }
 
 void FirFilter::Partition::getOutputs(std::span<Signal32> outputs)
@@ -271,14 +288,14 @@ void FirFilter::Partition::addOutputs(std::span<Signal32> outputs)
 
 void FirFilter::Partition::process(CircularBuffer<Signal32>& input, std::vector<Signal32>& outputs)
 {
-    forgetSpectrum();
+    forgetSpectra();
     computeReadyFrames({.input = input, .start = 0, .length = outputs.front().numSamples, .summed = false});
     getOutputs(outputs);
 }
 
 void FirFilter::Partition::processSummed(CircularBuffer<Signal32>& input, Signal32& output)
 {
-    forgetSpectrum();
+    forgetSpectra();
     computeReadyFrames({.input = input, .start = 0, .length = output.numSamples, .summed = true});
     getOutputs({&output, 1});
 }
@@ -287,7 +304,7 @@ void FirFilter::Partition::reset()
 {
     for (auto& queue : queues)
         queue.clear();
-    forgetSpectrum();
+    forgetSpectra();
 }
 
 } // namespace vesk::audio

@@ -20,11 +20,11 @@ namespace hn = hwy::HWY_NAMESPACE;
 //==============================================================================
 // FIR
 
-/** numVectors vectors of outputs at once: each tap is broadcast once and meets that many unaligned loads. With
-    few vectors the taps take turns in several sums each, so that enough additions are under way to hide their
-    latency. */
+/** numVectors vectors of outputs at once, from index i on: each tap is broadcast once and meets that many
+    unaligned loads. With few vectors the taps take turns in several sums each, so that enough additions are
+    under way to hide their latency. */
 template <std::size_t numVectors, std::size_t sumsEach, class D>
-HWY_INLINE void firVectors(D d, const float* history, float* dst, const float* taps, std::size_t tapsLength)
+HWY_INLINE void firVectors(D d, const FirInput* inputs, std::size_t count, std::size_t i, float* dst)
 {
     const std::size_t lanes = hn::Lanes(d);
     hn::VFromD<D> sums[sumsEach][numVectors];
@@ -32,66 +32,78 @@ HWY_INLINE void firVectors(D d, const float* history, float* dst, const float* t
         for (auto& sum : turn)
             sum = hn::Zero(d);
 
-    const auto addTap = [&](std::size_t k, hn::VFromD<D>* turn)
+    for (std::size_t input = 0; input < count; ++input)
     {
-        const auto tap = hn::Set(d, taps[k]);
-        const float* delayed = history - k;
-        for (std::size_t v = 0; v < numVectors; ++v)
-            turn[v] = hn::MulAdd(tap, hn::LoadU(d, delayed + v * lanes), turn[v]);
-    };
-    std::size_t k = 0;
-    for (; k + sumsEach <= tapsLength; k += sumsEach)
-        for (std::size_t turn = 0; turn < sumsEach; ++turn)
-            addTap(k + turn, sums[turn]);
-    for (; k < tapsLength; ++k)
-        addTap(k, sums[0]);
+        const float* taps = inputs[input].spec->getTaps();
+        const auto tapsLength = static_cast<std::size_t>(inputs[input].spec->tapsLength);
+        const auto addTap = [&](std::size_t k, hn::VFromD<D>* turn)
+        {
+            const auto tap = hn::Set(d, taps[k]);
+            const float* delayed = inputs[input].block + i - k;
+            for (std::size_t v = 0; v < numVectors; ++v)
+                turn[v] = hn::MulAdd(tap, hn::LoadU(d, delayed + v * lanes), turn[v]);
+        };
+        std::size_t k = 0;
+        for (; k + sumsEach <= tapsLength; k += sumsEach)
+            for (std::size_t turn = 0; turn < sumsEach; ++turn)
+                addTap(k + turn, sums[turn]);
+        for (; k < tapsLength; ++k)
+            addTap(k, sums[0]);
+    }
 
     for (std::size_t v = 0; v < numVectors; ++v)
     {
         auto sum = sums[0][v];
         for (std::size_t turn = 1; turn < sumsEach; ++turn)
             sum = hn::Add(sum, sums[turn][v]);
-        hn::StoreU(sum, d, dst + v * lanes);
+        hn::StoreU(sum, d, dst + i + v * lanes);
     }
 }
 
 /** A single output, along the taps. */
 template <class D>
-HWY_INLINE float firSingle(D d, const float* oldest, const float* reversedTaps, std::size_t tapsLength)
+HWY_INLINE float firSingle(D d, const FirInput* inputs, std::size_t count, std::size_t i)
 {
     const std::size_t lanes = hn::Lanes(d);
-    auto sums = hn::Zero(d);
-    std::size_t k = 0;
-    for (; k + lanes <= tapsLength; k += lanes)
-        sums = hn::MulAdd(hn::LoadU(d, reversedTaps + k), hn::LoadU(d, oldest + k), sums);
-    float sum = hn::GetLane(hn::SumOfLanes(d, sums));
-    for (; k < tapsLength; ++k)
-        sum += reversedTaps[k] * oldest[k];
-    return sum;
+    float total = 0.0f;
+    for (std::size_t input = 0; input < count; ++input)
+    {
+        const auto tapsLength = static_cast<std::size_t>(inputs[input].spec->tapsLength);
+        const float* reversedTaps = inputs[input].spec->getTaps() + tapsLength;
+        const float* oldest = inputs[input].block + i - (tapsLength - 1);
+        auto sums = hn::Zero(d);
+        std::size_t k = 0;
+        for (; k + lanes <= tapsLength; k += lanes)
+            sums = hn::MulAdd(hn::LoadU(d, reversedTaps + k), hn::LoadU(d, oldest + k), sums);
+        float sum = hn::GetLane(hn::SumOfLanes(d, sums));
+        for (; k < tapsLength; ++k)
+            sum += reversedTaps[k] * oldest[k];
+        total += sum;
+    }
+    return total;
 }
 
-HWY_INLINE void fir(const float* history, float* dst, std::size_t n, const float* taps,
-                    const float* reversedTaps, std::size_t tapsLength)
+HWY_INLINE void fir(const FirInput* inputs, std::size_t count, float* dst, std::size_t n)
 {
     const hn::ScalableTag<float> d;
     const std::size_t lanes = hn::Lanes(d);
     std::size_t i = 0;
     for (; i + 8 * lanes <= n; i += 8 * lanes)
-        firVectors<8, 1>(d, history + i, dst + i, taps, tapsLength);
+        firVectors<8, 1>(d, inputs, count, i, dst);
     for (; i + 4 * lanes <= n; i += 4 * lanes)
-        firVectors<4, 2>(d, history + i, dst + i, taps, tapsLength);
+        firVectors<4, 2>(d, inputs, count, i, dst);
     for (; i + lanes <= n; i += lanes)
-        firVectors<1, 4>(d, history + i, dst + i, taps, tapsLength);
+        firVectors<1, 4>(d, inputs, count, i, dst);
     if (i == n)
         return;
     if (n >= lanes)
     {
         // The last vector overlaps the one before and computes some outputs once more.
-        firVectors<1, 4>(d, history + n - lanes, dst + n - lanes, taps, tapsLength);
+        firVectors<1, 4>(d, inputs, count, n - lanes, dst);
         return;
     }
     for (; i < n; ++i)
-        dst[i] = firSingle(d, history + i - (tapsLength - 1), reversedTaps, tapsLength);
+        dst[i] = firSingle(d, inputs, count, i);
 }
 
 //==============================================================================

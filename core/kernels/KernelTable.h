@@ -18,6 +18,7 @@ namespace vesk::audio
 {
 struct FeedbackFrame;
 struct FeedbackLines;
+struct FirInput;
 struct MovingRead;
 struct StereoFilter;
 template <typename T>
@@ -67,10 +68,8 @@ struct KernelTable
     void (*filterStereo)(StereoSpectrum<const float> z, const StereoFilter& filter, StereoSpectrum<float> w,
                          std::size_t half, bool accumulate);
 
-    /** dst[i] = sum over k of taps[k] history[i - k]; history points at the first sample of the block, and
-        tapsLength - 1 samples before it are valid. reversedTaps holds the taps from last to first. */
-    void (*fir)(const float* history, float* dst, std::size_t n, const float* taps, const float* reversedTaps,
-                std::size_t tapsLength);
+    /** The sum of the filtered inputs, at least one, all with filters of one length. */
+    void (*fir)(const FirInput* inputs, std::size_t count, float* dst, std::size_t n);
 
     void (*recursive32)(const float* src, float* dst, std::size_t n, RecursiveFilter<float>& filter);
     void (*recursive64)(const double* src, double* dst, std::size_t n, RecursiveFilter<double>& filter);

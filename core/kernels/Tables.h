@@ -9,6 +9,24 @@
 #include <cstddef>
 #include <cstdint>
 
+namespace vesk::audio
+{
+
+/** A direct-form filter; the taps follow in memory. */
+struct FirSpec
+{
+    static constexpr std::uint32_t marker = 0x46495220;
+
+    std::uint32_t magic;
+    int tapsLength;
+
+    /** The taps, then the taps from last to first. */
+    const float* getTaps() const { return reinterpret_cast<const float*>(this + 1); }
+    float* getTaps() { return reinterpret_cast<float*>(this + 1); }
+};
+
+} // namespace vesk::audio
+
 namespace vesk::audio::kernels
 {
 
