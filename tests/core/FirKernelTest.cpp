@@ -1,5 +1,7 @@
 #include "tests/core/KernelFixture.h"
 
+#include <array>
+
 namespace vesk::audio
 {
 namespace
@@ -139,6 +141,35 @@ TEST_P(FirKernel, RefusesWhatItCannotDo)
     EXPECT_EQ(ippsFIRSR_32f(taps, &dst, 1, nullptr, nullptr, nullptr, nullptr), ippStsNullPtrErr);
     EXPECT_EQ(filter.run(taps, &dst, 0, nullptr, nullptr), ippStsSizeErr);
     EXPECT_EQ(dst, 7.0f);
+}
+
+TEST_P(FirKernel, SumsFilteredInputs)
+{
+    constexpr int tapsLength = 37, total = 200;
+    const auto firstTaps = makeNoise(tapsLength, 1), secondTaps = makeNoise(tapsLength, 2);
+    const auto first = makeNoise(total, 3), second = makeNoise(total, 4);
+    Filter firstFilter(firstTaps), secondFilter(secondTaps);
+    const auto firstExpected = convolve(first, firstTaps), secondExpected = convolve(second, secondTaps);
+
+    for (const int n : {1, 15, 16, 33, 64, 150})
+    {
+        constexpr int start = tapsLength - 1;
+        const std::array inputs{FirInput{first.data() + start, firstFilter.getSpec()},
+                                FirInput{second.data() + start, secondFilter.getSpec()}};
+        std::vector<float> sum(static_cast<std::size_t>(n));
+        ASSERT_EQ(firSum_32f(inputs, sum.data(), n), ippStsNoErr);
+        for (std::size_t i = 0; i < sum.size(); ++i)
+            ASSERT_NEAR(double(sum[i]), double(firstExpected[start + i]) + double(secondExpected[start + i]),
+                        getTolerance(2 * tapsLength))
+                << "sample " << i << " of " << n;
+    }
+
+    Filter otherLength(makeNoise(5, 5));
+    const std::array unequal{FirInput{first.data() + 36, firstFilter.getSpec()},
+                             FirInput{first.data() + 36, otherLength.getSpec()}};
+    float result = 0.0f;
+    EXPECT_EQ(firSum_32f(unequal, &result, 1), ippStsContextMatchErr);
+    EXPECT_EQ(firSum_32f({}, &result, 1), ippStsBadArgErr);
 }
 
 } // namespace
