@@ -21,8 +21,8 @@ constexpr double referenceSilence = 6.0;
 constexpr double referenceStart = 0.1;
 constexpr double referenceNoise = 10.0;
 
-/** dB. What is left of the hour before, in the filter of the modulation's noise, moves the level by less. */
-constexpr double largestAllowedDrift = 0.05;
+/** dB. What the hour before has left in the filters moves the level by less than a thousandth. */
+constexpr double largestAllowedDrift = 0.01;
 
 /** MiB. The system counts pages, undo keeps some bytes for each change of program, and now and then there is a block
     of a size that there was none of before. Under a sanitizer it is mostly the sanitizer that grows. */
