@@ -94,13 +94,15 @@ int FirFilter::getLookBack() const
 
 void FirFilter::createBlockPartition()
 {
-    blockPartition = std::allocate_shared<Partition>(PoolAllocator<Partition>(), numChannels, numImpulseResponses, 0, blockPartitionSize);
+    blockPartition = std::allocate_shared<Partition>(PoolAllocator<Partition>(), numChannels,
+                                                     numImpulseResponses, 0, blockPartitionSize);
     blockPartition->setImpulseResponses(impulseResponses);
 }
 
 void FirFilter::createShortHead(int length)
 {
-    shortHead = std::allocate_shared<Partition>(PoolAllocator<Partition>(), numChannels, numImpulseResponses, 0, length, headLength / length);
+    shortHead = std::allocate_shared<Partition>(PoolAllocator<Partition>(), numChannels, numImpulseResponses,
+                                                0, length, headLength / length);
     shortHead->setImpulseResponses(impulseResponses);
 }
 

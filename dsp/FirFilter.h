@@ -200,7 +200,8 @@ public:
     Signal32 timeBuffer;
     ComplexSignal32 productSpectrum;
     std::vector<SignalQueue<Signal32>, PoolAllocator<SignalQueue<Signal32>>> queues;
-    std::vector<ComplexSignal32, PoolAllocator<ComplexSignal32>> irSpectra; ///< response k, slice s at index k * numSlices + s
+    std::vector<ComplexSignal32, PoolAllocator<ComplexSignal32>>
+        irSpectra; ///< response k, slice s at index k * numSlices + s
     int offset;
     FourierTransform fourierTransform;
 
@@ -230,8 +231,9 @@ private:
     void queueProduct(SignalQueue<Signal32>& queue, int channels);
 
     int numSlices;
-    std::vector<FrameSpectrum, PoolAllocator<FrameSpectrum>> spectra; ///< of the last frames, as many as there are slices
-    Signal32 pairProducts;              ///< in place of productSpectrum for an even number of channels
+    std::vector<FrameSpectrum, PoolAllocator<FrameSpectrum>>
+        spectra;           ///< of the last frames, as many as there are slices
+    Signal32 pairProducts; ///< in place of productSpectrum for an even number of channels
     const Partition* twin = nullptr;
 };
 
