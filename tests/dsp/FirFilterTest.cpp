@@ -151,7 +151,9 @@ TEST(FirFilterSchedule, LoadDistributionTakesEffectAtTheNextResponse)
 
 const Blocks blockPatterns[] = {
     {1},
+    {32},
     {64},
+    {64, 64, 64, 100, 32, 32, 64, 7, 128},
     {100},
     {128},
     {256},
@@ -286,7 +288,7 @@ TEST(FirFilter, ResultsBelongToTheCaller)
 TEST(FirFilter, AfterAResetTheOutputDependsOnNewInputOnly)
 {
     const auto response = makeNoiseSignal(2, 1000, 12), input = makeNoiseSignal(2, 3000, 13);
-    for (const Blocks& blocks : {Blocks{100}, {256}, {256, 100}})
+    for (const Blocks& blocks : {Blocks{100}, {64}, {256}, {256, 100}})
     {
         FirFilter filter(response);
         run(filter, makeNoiseSignal(2, 2900, 14), blocks);
