@@ -2,13 +2,11 @@
     Where a plug-in finds and keeps its files. The one class that knows the systems' habits; all others ask
     it.
 
-    | What            | macOS                                   | Windows                     | Linux and
-    others           |
-    |-----------------|-----------------------------------------|-----------------------------|----------------------------|
-    | resources       | Contents/Resources of the bundle        | found by the walk           | found by the
-    walk          | | user presets    | ~/Library/Application Support/...       | roaming application data... |
-    $XDG_CONFIG_HOME...        | | settings        | /Library/Application Support/Veskora    | common
-    application data...  | $XDG_CONFIG_HOME/Veskora   |
+    | What         | macOS                                | Windows                       | Linux and others         |
+    |--------------|--------------------------------------|-------------------------------|--------------------------|
+    | resources    | Contents/Resources of the bundle     | found by the walk             | found by the walk        |
+    | user presets | ~/Library/Application Support/...    | roaming application data/...  | $XDG_CONFIG_HOME/...     |
+    | settings     | /Library/Application Support/Veskora | common application data/...   | $XDG_CONFIG_HOME/Veskora |
 
     The walk starts in the folder of the module's own file (the plug-in binary or the program) and goes up
     three parents: the first Contents/Resources wins (Ambrel.vst3/Contents/Resources for
