@@ -148,7 +148,6 @@ TEST_F(Program, whatCannotBeDoneIsOneLineAndAStatus)
     writeAudio(in("good.wav"), createSine(1, 4800, 440.0, 48000.0), 48000.0, 16);
     writeAudio(in("surround.wav"), createSine(6, 4800, 440.0, 48000.0), 48000.0, 16);
     folder.write("empty.wav", "");
-    folder.write("broken.wav", "RIFF and nothing behind it");
     folder.write("broken.xml", "no preset");
     folder.write(
         "unknown.xml",
@@ -166,8 +165,6 @@ TEST_F(Program, whatCannotBeDoneIsOneLineAndAStatus)
     const Row rows[] = {
         {{}, 2, "nothing to do"},
         {{in("missing.wav"), "-o", out}, 1, "no such file"},
-        {{in("empty.wav"), "-o", out}, 1, "is empty"},
-        {{in("broken.wav"), "-o", out}, 1, "is broken"},
         {{in("surround.wav"), "-o", out}, 1, "has 6 channels"},
         {{in("good.wav"), "-o", in("good.wav")}, 1, "is the input itself"},
         {{in("good.wav"), "-d", in("")}, 1, "is the input itself"},
@@ -346,7 +343,7 @@ TEST_F(Program, roomsAreWhatTheirSettingsSay)
         double density = 0.0;
         for (int i = from; i < from + 100; ++i)
             density += number(report["echoDensity"]["values"][i]) / 100.0;
-        EXPECT_NEAR(density, 1.0, 0.1);
+        EXPECT_NEAR(density, 1.0, 0.05);
 
         const auto audio = readAudio(in("room.wav")).samples;
         EXPECT_EQ(audio.getNumChannels(), 2);
