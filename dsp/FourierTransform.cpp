@@ -1,24 +1,71 @@
 #include "dsp/FourierTransform.h"
 
 #include "core/MathEx.h"
+#include "core/MemoryPool.h"
+#include "core/kernels/KernelTable.h"
+
+#include <array>
+#include <mutex>
 
 namespace vesk::audio
 {
 
-namespace
+/** What all transforms of one length and kind read. */
+class FourierTransform::Tables
 {
-std::uint8_t* allocateBlock(int bytes) { return static_cast<std::uint8_t*>(ippMalloc(bytes)); }
-} // namespace
+public:
+    /** The tables that somebody uses already, else new ones. Takes a lock for the time of building. */
+    static std::shared_ptr<const Tables> get(int order, bool isReal);
+
+    Tables(int order, bool isReal) : kernels(&kernels::getKernels())
+    {
+        const auto getSize = isReal ? ippsFFTGetSize_R_32f : ippsFFTGetSize_C_32fc;
+        const auto initialize = isReal ? ippsFFTInit_R_32f : ippsFFTInit_C_32fc;
+        int specBytes = 0;
+        int initBytes = 0;
+        getSize(order, ippFftNoScaling, ippHintFast, &specBytes, &initBytes, &workBytes);
+        memory = ippsMalloc_8u(specBytes);
+        initialize(&spec, order, ippFftNoScaling, ippHintFast, memory, nullptr);
+    }
+
+    ~Tables() { ippsFree(memory); }
+    Tables(const Tables&) = delete;
+    Tables& operator=(const Tables&) = delete;
+
+    const kernels::KernelTable* kernels; ///< that the tables are laid out for
+    FftSpec* spec = nullptr;
+    int workBytes = 0;
+
+private:
+    std::uint8_t* memory;
+};
+
+std::shared_ptr<const FourierTransform::Tables> FourierTransform::Tables::get(int order, bool isReal)
+{
+    static std::mutex mutex;
+    static std::array<std::array<std::weak_ptr<const Tables>, ippMaxFftOrder + 1>, 2> known;
+
+    const std::scoped_lock lock(mutex);
+    auto& entry = known[isReal ? 1 : 0][static_cast<std::size_t>(order)];
+    auto tables = entry.lock();
+    if (tables == nullptr || tables->kernels != &kernels::getKernels())
+    {
+        tables = std::allocate_shared<Tables>(PoolAllocator<Tables>(), order, isReal);
+        entry = tables;
+    }
+    return tables;
+}
+
+//==============================================================================
 
 FourierTransform::~FourierTransform() { free(); }
 
 void FourierTransform::free()
 {
-    ippsFree(specMemory);
     ippsFree(workBuffer);
-    ippsFree(initBuffer);
-    specMemory = workBuffer = initBuffer = nullptr;
+    workBuffer = nullptr;
     complexSpec = realSpec = nullptr;
+    tables.reset();
     size = order = 0;
 }
 
@@ -27,19 +74,11 @@ void FourierTransform::allocate(int length, bool real)
     free();
     size = length;
     order = MathEx::log2(length);
-
-    const auto getSize = real ? ippsFFTGetSize_R_32f : ippsFFTGetSize_C_32fc;
-    int specBytes = 0;
-    int initBytes = 0;
-    int workBytes = 0;
-    getSize(order, ippFftNoScaling, ippHintFast, &specBytes, &initBytes, &workBytes);
-
-    specMemory = allocateBlock(specBytes);
-    workBuffer = allocateBlock(workBytes);
-    initBuffer = allocateBlock(initBytes);
-
-    const auto initialize = real ? ippsFFTInit_R_32f : ippsFFTInit_C_32fc;
-    initialize(real ? &realSpec : &complexSpec, order, ippFftNoScaling, ippHintFast, specMemory, initBuffer);
+    if (order > ippMaxFftOrder)
+        return;
+    tables = Tables::get(order, real);
+    workBuffer = ippsMalloc_8u(tables->workBytes);
+    (real ? realSpec : complexSpec) = tables->spec;
 }
 
 void FourierTransform::forwardReal(const Signal32& input, ComplexSignal32& output)

@@ -9,8 +9,8 @@
         ComplexSignal32 spectrum(signal.numChannels, signal.numSamples / 2 + 1);
         transform.forwardReal(signal, spectrum);
 
-    One object follows whatever length comes along, but every change of length builds new tables: keep one
-    object for each length. Lengths are powers of two; any other length silently gives a transform of the next
+    One object follows whatever length comes along, but a change of length may build new tables: keep one
+    object for each length. Tables are shared by all objects of a length in the process. Lengths are powers of two; any other length silently gives a transform of the next
     lower one. Nothing here throws: the kernels' statuses are not looked at.
 
     Two real signals can also go through one complex transform, as its real and its imaginary part, which is
@@ -24,6 +24,7 @@
 #include "core/kernels.h"
 
 #include <cstdint>
+#include <memory>
 
 namespace vesk::audio
 {
@@ -51,17 +52,18 @@ public:
     void forwardStereo(const float* left, const float* right, StereoSpectrum<float> spectrum);
     void inverseStereo(StereoSpectrum<const float> spectrum, float* left, float* right);
 
-    FftSpec* complexSpec = nullptr;
-    FftSpec* realSpec = nullptr;
+    const FftSpec* complexSpec = nullptr;
+    const FftSpec* realSpec = nullptr;
     int size = 0;  ///< transform length N in samples
     int order = 0; ///< floor of the binary logarithm of N
 
 private:
+    class Tables;
+
     void free();
 
-    std::uint8_t* specMemory = nullptr;
+    std::shared_ptr<const Tables> tables;
     std::uint8_t* workBuffer = nullptr;
-    std::uint8_t* initBuffer = nullptr;
 };
 
 } // namespace vesk::audio
