@@ -232,8 +232,9 @@ private:
 
     int numSlices;
     std::vector<FrameSpectrum, PoolAllocator<FrameSpectrum>>
-        spectra;           ///< of the last frames, as many as there are slices
-    Signal32 pairProducts; ///< in place of productSpectrum for an even number of channels
+        spectra; ///< of the last frames, as many as there are slices
+    Signal32
+        pairProducts; ///< in place of productSpectrum for an even number of channels; empty between frames
     const Partition* twin = nullptr;
 };
 

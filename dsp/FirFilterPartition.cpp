@@ -115,14 +115,16 @@ void FirFilter::Partition::transformFrame(CircularBuffer<Signal32>& input, int s
         return;
     }
 
+    // Scratch comes from the pool: it is large, and no partition needs it from frame to frame.
+    Signal32 joined;
     const bool inOnePiece = input.find(0, start, fftSize) != nullptr;
     if (!inOnePiece)
     {
-        timeBuffer.ensureDimensions(numChannels, fftSize);
-        input.peek(start, timeBuffer);
+        joined = Signal32(numChannels, fftSize);
+        input.peek(start, joined);
     }
     const auto getSource = [&](int channel)
-    { return inOnePiece ? input.find(channel, start, fftSize) : timeBuffer.getChannelPtr(channel); };
+    { return inOnePiece ? input.find(channel, start, fftSize) : joined.getChannelPtr(channel); };
 
     spectrum.pairs.ensureDimensions(numChannels, fftSize + 1);
     for (int channel = 0; channel < numChannels; channel += 2)
@@ -141,6 +143,7 @@ void FirFilter::Partition::queueProduct(SignalQueue<Signal32>& queue, int channe
                                            frame.getWriteChannelPtr(channel + 1));
     else
         fourierTransform.inverseReal(productSpectrum, frame);
+    pairProducts = {};
     frame.numChannels = channels;
     frame.numSamples = getSize();
     queue.add(frame);
@@ -158,7 +161,7 @@ void FirFilter::Partition::multiply(std::int64_t frameStart, int response)
                                productSpectrum.getWriteChannelPtr(channel), getSize() + 1));
         return;
     }
-    pairProducts.ensureDimensions(numChannels, fftSize + 1);
+    pairProducts = Signal32(numChannels, fftSize + 1);
     for (int slice = 0; slice < numSlices; ++slice)
     {
         const auto& pairs = findSpectrum(frameStart - slice * getSize())->pairs;
@@ -190,7 +193,7 @@ void FirFilter::Partition::multiplySummed(std::int64_t frameStart)
         }
         return;
     }
-    pairProducts.ensureDimensions(roundUpToEven(numImpulseResponses), fftSize + 1);
+    pairProducts = Signal32(roundUpToEven(numImpulseResponses), fftSize + 1);
     for (int k = 0; k < numImpulseResponses; k += 2)
         for (int slice = 0; slice < numSlices; ++slice)
         {
