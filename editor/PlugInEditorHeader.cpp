@@ -292,7 +292,11 @@ void PlugInEditorHeader::buttonClicked(juce::Button* button)
 void PlugInEditorHeader::loadNeighbouringPreset(int distance)
 {
     if (const int programs = processor->getNumPrograms(); programs > 0)
-        processor->setCurrentProgram((programs + processor->getCurrentProgram() + distance) % programs);
+    {
+        // A host may have set any number.
+        const juce::int64 wanted = juce::int64{processor->getCurrentProgram()} + programs + distance;
+        processor->setCurrentProgram(static_cast<int>(wanted % programs));
+    }
 }
 
 void PlugInEditorHeader::switchSettings(juce::Button& from, juce::Button& to)

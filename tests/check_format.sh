@@ -11,6 +11,6 @@ if ! command -v clang-format > /dev/null; then
     exit 0
 fi
 
-find bench core dsp editor plugin product reverb tests tools -type f \( -name '*.h' -o -name '*.cpp' \) -print0 |
+find bench core dsp editor fuzz plugin product reverb tests tools -type f \( -name '*.h' -o -name '*.cpp' \) -print0 |
     xargs -0 clang-format --dry-run -Werror
 echo "All sources are laid out by .clang-format"

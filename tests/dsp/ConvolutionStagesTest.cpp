@@ -11,7 +11,6 @@ namespace
 using test::convolve;
 using test::getChannel;
 using test::makeNoiseSignal;
-using test::makeSignal;
 using test::maxDifference;
 using test::slice;
 using test::toVector;
