@@ -17,18 +17,8 @@ public:
     /** The tables that somebody uses already, else new ones. Takes a lock for the time of building. */
     static std::shared_ptr<const Tables> get(int order, bool isReal);
 
-    Tables(int order, bool isReal) : kernels(&kernels::getKernels())
-    {
-        const auto getSize = isReal ? ippsFFTGetSize_R_32f : ippsFFTGetSize_C_32fc;
-        const auto initialize = isReal ? ippsFFTInit_R_32f : ippsFFTInit_C_32fc;
-        int specBytes = 0;
-        int initBytes = 0;
-        getSize(order, ippFftNoScaling, ippHintFast, &specBytes, &initBytes, &workBytes);
-        memory = ippsMalloc_8u(specBytes);
-        initialize(&spec, order, ippFftNoScaling, ippHintFast, memory, nullptr);
-    }
-
-    ~Tables() { ippsFree(memory); }
+    Tables(int order, bool isReal);
+    ~Tables();
     Tables(const Tables&) = delete;
     Tables& operator=(const Tables&) = delete;
 
@@ -37,23 +27,61 @@ public:
     int workBytes = 0;
 
 private:
+    /** The tables in use, by order. */
+    struct Registry
+    {
+        std::mutex mutex;
+        std::array<std::weak_ptr<const Tables>, ippMaxFftOrder + 1> entries;
+    };
+
+    static Registry& getRegistry(bool isReal)
+    {
+        static std::array<Registry, 2> registries;
+        return registries[isReal ? 1 : 0];
+    }
+
+    int order;
+    bool isReal;
     std::uint8_t* memory;
 };
 
+FourierTransform::Tables::Tables(int orderOfLength, bool forReal)
+    : kernels(&kernels::getKernels()), order(orderOfLength), isReal(forReal)
+{
+    const auto getSize = isReal ? ippsFFTGetSize_R_32f : ippsFFTGetSize_C_32fc;
+    const auto initialize = isReal ? ippsFFTInit_R_32f : ippsFFTInit_C_32fc;
+    int specBytes = 0;
+    int initBytes = 0;
+    getSize(order, ippFftNoScaling, ippHintFast, &specBytes, &initBytes, &workBytes);
+    memory = ippsMalloc_8u(specBytes);
+    initialize(&spec, order, ippFftNoScaling, ippHintFast, memory, nullptr);
+}
+
+FourierTransform::Tables::~Tables()
+{
+    ippsFree(memory);
+
+    // The memory of this object lasts as long as a weak pointer does, and shall not outlast the last engine.
+    auto& registry = getRegistry(isReal);
+    const std::scoped_lock lock(registry.mutex);
+    auto& entry = registry.entries[static_cast<std::size_t>(order)];
+    if (entry.expired())
+        entry.reset();
+}
+
 std::shared_ptr<const FourierTransform::Tables> FourierTransform::Tables::get(int order, bool isReal)
 {
-    static std::mutex mutex;
-    static std::array<std::array<std::weak_ptr<const Tables>, ippMaxFftOrder + 1>, 2> known;
+    std::shared_ptr<const Tables> found; // before the lock: its release may take the lock, too
+    auto& registry = getRegistry(isReal);
+    const std::scoped_lock lock(registry.mutex);
+    auto& entry = registry.entries[static_cast<std::size_t>(order)];
+    found = entry.lock();
+    if (found != nullptr && found->kernels == &kernels::getKernels())
+        return found;
 
-    const std::scoped_lock lock(mutex);
-    auto& entry = known[isReal ? 1 : 0][static_cast<std::size_t>(order)];
-    auto tables = entry.lock();
-    if (tables == nullptr || tables->kernels != &kernels::getKernels())
-    {
-        tables = std::allocate_shared<Tables>(PoolAllocator<Tables>(), order, isReal);
-        entry = tables;
-    }
-    return tables;
+    auto created = std::allocate_shared<Tables>(PoolAllocator<Tables>(), order, isReal);
+    entry = created;
+    return created;
 }
 
 //==============================================================================

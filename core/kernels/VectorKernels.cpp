@@ -3,6 +3,8 @@
 // On x86 the compiler's baseline, SSE4, AVX2 and AVX-512 are built, and the processor is asked at run time.
 // Elsewhere the baseline of the build serves. Of Highway only headers are used, nothing of its library.
 
+// SSSE3 stands between the baseline and SSE4, and hardly a processor has it alone. The kernels keep vectors in
+// arrays, which vectors of unknown length (SVE) do not allow; NEON serves there.
 #define HWY_DISABLED_TARGETS (HWY_SSSE3 | HWY_SVE | HWY_SVE2 | HWY_SVE_256 | HWY_SVE2_128)
 
 // The baseline without vector instructions. Highway avoids it for GCC before 12.3, whose bug (PR 106322) is
