@@ -1,4 +1,5 @@
-// The transform's public face: sizes and tables. The passes themselves are in kernels/Transform-inl.h.
+// The transforms' public face: sizes and tables. The passes themselves are in kernels/Transform-inl.h and
+// kernels/RealTransform-inl.h.
 
 #include "core/kernels.h"
 #include "core/kernels/Tables.h"

@@ -28,6 +28,7 @@
 #include "core/kernels/Feedback-inl.h"
 #include "core/kernels/Filters-inl.h"
 #include "core/kernels/Random-inl.h"
+#include "core/kernels/RealTransform-inl.h"
 #include "core/kernels/StereoSpectrum-inl.h"
 #include "core/kernels/Transform-inl.h"
 
