@@ -1,4 +1,4 @@
-// The artwork as the window gets them: rendered by JUCE from the compiled-in data, then measured.
+// The artwork as the window gets it: rendered by JUCE from the compiled-in data, then measured.
 
 #include "tests/artwork/Picture.h"
 
@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cmath>
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace
@@ -17,120 +18,79 @@ namespace
 const juce::Colour orange(0xffd27900);
 const juce::Colour grey(0xff424142);
 
-struct Drawing
+std::unique_ptr<juce::Drawable> loadDrawing(const std::string& name)
 {
-    const char* name;
-    const char* data;
-    int size;
-    float width;
-    float height;
-};
-
-Drawing icon(const char* name, const char* data, int size) { return {name, data, size, 24.0f, 24.0f}; }
-
-const Drawing arrowLeft = icon("arrowLeft", Artwork::arrowLeft_svg, Artwork::arrowLeft_svgSize);
-const Drawing arrowRight = icon("arrowRight", Artwork::arrowRight_svg, Artwork::arrowRight_svgSize);
-const Drawing copyLeft = icon("copyLeft", Artwork::copyLeft_svg, Artwork::copyLeft_svgSize);
-const Drawing copyRight = icon("copyRight", Artwork::copyRight_svg, Artwork::copyRight_svgSize);
-const Drawing undo = icon("undo", Artwork::undo_svg, Artwork::undo_svgSize);
-const Drawing redo = icon("redo", Artwork::redo_svg, Artwork::redo_svgSize);
-const Drawing menu = icon("menu", Artwork::menu_svg, Artwork::menu_svgSize);
-const std::vector<Drawing> icons = {arrowLeft, arrowRight, copyLeft, copyRight, undo, redo, menu};
-
-const Drawing wordMark = {"ambrel", Artwork::ambrel_svg, Artwork::ambrel_svgSize, 152.8f, 80.0f};
-const Drawing knobLabels = {"knobLabels", Artwork::knobLabels_svg, Artwork::knobLabels_svgSize, 640.0f,
-                            100.0f};
-const Drawing headerWaves = {"headerWaves", Artwork::headerWaves_svg, Artwork::headerWaves_svgSize, 400.0f,
-                             60.0f};
-const Drawing logoWaves = {"logoWaves", Artwork::logoWaves_svg, Artwork::logoWaves_svgSize, 400.0f, 80.0f};
-
-std::unique_ptr<juce::Drawable> load(const Drawing& drawing)
-{
-    return juce::Drawable::createFromImageData(drawing.data, static_cast<std::size_t>(drawing.size));
+    int size = 0;
+    const auto* data = Artwork::getNamedResource((name + "_svg").c_str(), size);
+    return juce::Drawable::createFromImageData(data, static_cast<std::size_t>(size));
 }
 
-bool isOpaqueWhite(juce::Colour colour) { return colour == juce::Colours::white; }
-bool isOpaqueGrey(juce::Colour colour) { return colour == grey; }
+auto is(juce::Colour wanted)
+{
+    return [wanted](juce::Colour colour) { return colour == wanted; };
+}
 
 } // namespace
 
 TEST(ArtworkTest, DrawingsHaveTheirSizeAndStayWithinIt)
 {
-    std::vector<Drawing> drawings = icons;
-    drawings.insert(drawings.end(), {wordMark, knobLabels, headerWaves, logoWaves});
-    for (const Drawing& drawing : drawings)
+    const std::pair<const char*, juce::Rectangle<float>> rows[] = {{"ambrel", {152.8f, 80.0f}},
+                                                                   {"knobLabels", {640.0f, 100.0f}},
+                                                                   {"headerWaves", {400.0f, 60.0f}},
+                                                                   {"logoWaves", {400.0f, 80.0f}}};
+    for (const auto& [name, expected] : rows)
     {
-        SCOPED_TRACE(drawing.name);
-        const auto drawable = load(drawing);
-        ASSERT_NE(drawable, nullptr);
-        // Placement within a rectangle goes by these bounds, and an icon's width by the component's size.
-        const auto bounds = drawable->getDrawableBounds();
-        EXPECT_NEAR(bounds.getX(), 0.0f, 0.001f);
-        EXPECT_NEAR(bounds.getY(), 0.0f, 0.001f);
-        EXPECT_NEAR(bounds.getWidth(), drawing.width, 0.001f);
-        EXPECT_NEAR(bounds.getHeight(), drawing.height, 0.001f);
+        // Placement within a rectangle goes by these bounds.
+        const auto bounds = loadDrawing(name)->getDrawableBounds();
+        EXPECT_LT(bounds.getPosition().getDistanceFromOrigin(), 0.001f) << name;
+        EXPECT_NEAR(bounds.getWidth(), expected.getWidth(), 0.001f) << name;
+        EXPECT_NEAR(bounds.getHeight(), expected.getHeight(), 0.001f) << name;
     }
-    for (const Drawing& drawing : icons)
-        EXPECT_EQ(load(drawing)->getLocalBounds(), juce::Rectangle<int>(24, 24)) << drawing.name;
 }
 
-TEST(ArtworkTest, IconsShowWhatTheyMean)
+TEST(ArtworkTest, IconsShowWhatTheyMeanInTheTextsColour)
 {
     struct Row
     {
-        Drawing drawing;
-        std::vector<juce::Point<float>> ink;
-        std::vector<juce::Point<float>> blank;
-        /** Where a stroke runs level, and the height of its ink there. */
-        juce::Point<float> shaft;
+        const char* name;
+        std::vector<juce::Point<float>> ink, blank;
+        juce::Point<float> stroke; ///< a point of one
+        float strokeHeight;
     };
-    const std::vector<Row> rows = {
-        {arrowLeft, {{8, 12}, {15, 5}, {15, 19}}, {{15, 12}, {8, 5}, {8, 19}}, {}},
-        {arrowRight, {{16, 12}, {9, 5}, {9, 19}}, {{9, 12}, {16, 5}, {16, 19}}, {}},
-        {copyLeft, {{3, 12}, {21, 12}, {9, 6}, {9, 18}}, {{15, 6}, {15, 18}}, {16, 12}},
-        {copyRight, {{21, 12}, {3, 12}, {15, 6}, {15, 18}}, {{9, 6}, {9, 18}}, {8, 12}},
-        {undo, {{3, 8}, {7, 4}, {7, 12}, {21, 14}}, {{3, 14}, {17, 4}, {12, 14}}, {12, 20}},
-        {redo, {{21, 8}, {17, 4}, {17, 12}, {3, 14}}, {{21, 14}, {7, 4}, {12, 14}}, {12, 20}},
-        {menu, {{3, 4}, {21, 12}, {12, 20}}, {{12, 8}, {12, 16}}, {12, 12}},
+    constexpr float level = 3.5f, slanting = 4.95f;
+    const Row rows[] = {
+        {"arrowLeft", {{8, 12}, {15, 5}, {15, 19}}, {{15, 12}, {8, 5}, {8, 19}}, {12, 8}, slanting},
+        {"arrowRight", {{16, 12}, {9, 5}, {9, 19}}, {{9, 12}, {16, 5}, {16, 19}}, {12, 8}, slanting},
+        {"copyLeft", {{3, 12}, {21, 12}, {9, 6}, {9, 18}}, {{15, 6}, {15, 18}}, {16, 12}, level},
+        {"copyRight", {{21, 12}, {3, 12}, {15, 6}, {15, 18}}, {{9, 6}, {9, 18}}, {8, 12}, level},
+        {"undo", {{3, 8}, {7, 4}, {7, 12}, {21, 14}}, {{3, 14}, {17, 4}, {12, 14}}, {12, 20}, level},
+        {"redo", {{21, 8}, {17, 4}, {17, 12}, {3, 14}}, {{21, 14}, {7, 4}, {12, 14}}, {12, 20}, level},
+        {"menu", {{3, 4}, {21, 12}, {12, 20}}, {{12, 8}, {12, 16}}, {12, 12}, level},
     };
-    constexpr float strokeWeight = 3.5f;
     for (const Row& row : rows)
     {
-        SCOPED_TRACE(row.drawing.name);
-        const Picture picture(*load(row.drawing), 16.0f);
+        SCOPED_TRACE(row.name);
+        const auto drawing = loadDrawing(row.name);
+        EXPECT_EQ(drawing->getDrawableBounds(), juce::Rectangle<float>(24.0f, 24.0f));
+        EXPECT_EQ(drawing->getLocalBounds(), juce::Rectangle<int>(24, 24));
+
+        ASSERT_TRUE(drawing->replaceColour(juce::Colours::black, juce::Colours::red));
+        const Picture picture(*drawing, 16.0f);
         for (const auto point : row.ink)
             EXPECT_TRUE(picture.isInk(point.x, point.y)) << point.toString();
         for (const auto point : row.blank)
             EXPECT_FALSE(picture.isInk(point.x, point.y)) << point.toString();
-        if (row.shaft.y > 0.0f)
-        {
-            EXPECT_NEAR(picture.inkHeight(row.shaft.x, row.shaft.y), strokeWeight, 0.13f);
-        }
+        EXPECT_NEAR(picture.inkHeight(row.stroke.x, row.stroke.y), row.strokeHeight, 0.13f);
+        EXPECT_EQ(count(picture.image, picture.image.getBounds(),
+                        [](auto colour)
+                        { return colour.getAlpha() > 0 && colour.withAlpha(1.0f) != juce::Colours::red; }),
+                  0);
 
         // Centred in the button, and clear of the edge that would cut it.
-        const auto ink =
-            picture.boundsOf({24.0f, 24.0f}, [](juce::Colour colour) { return colour.getAlpha() > 8; });
+        const auto ink = picture.boundsOf({24.0f, 24.0f}, [](auto colour) { return colour.getAlpha() > 8; });
         EXPECT_NEAR(ink.getCentreX(), 12.0f, 0.3f);
         EXPECT_NEAR(ink.getCentreY(), 12.0f, 0.6f);
         EXPECT_TRUE(juce::Rectangle<float>(24.0f, 24.0f).reduced(0.5f).contains(ink)) << ink.toString();
-    }
-    // A slanting stroke of the same weight is higher by the root of two.
-    EXPECT_NEAR(Picture(*load(arrowLeft), 16.0f).inkHeight(12.0f, 8.0f), strokeWeight * std::sqrt(2.0f),
-                0.3f);
-}
-
-TEST(ArtworkTest, IconsAreRecolouredAsAWhole)
-{
-    for (const Drawing& drawing : icons)
-    {
-        const auto drawable = load(drawing);
-        ASSERT_TRUE(drawable->replaceColour(juce::Colours::black, juce::Colours::red)) << drawing.name;
-        const Picture picture(*drawable, 4.0f);
-        const auto isRed = [](juce::Colour colour) { return colour.withAlpha(1.0f) == juce::Colours::red; };
-        const auto area = picture.image.getBounds();
-        const int inked = count(picture.image, area, [](auto colour) { return colour.getAlpha() > 0; });
-        EXPECT_EQ(count(picture.image, area, isRed), inked) << drawing.name;
-        EXPECT_GT(inked, 960) << drawing.name << ": a tenth of the picture";
     }
 }
 
@@ -138,7 +98,7 @@ TEST(ArtworkTest, BandLeavesANotchForTheKnob)
 {
     // The circle through (193.59, 0) and (231.27, 40), and through the points opposite.
     constexpr float radius = 150.0f, centreX = 319.9f, centreY = -81.1f, tolerance = 0.5f;
-    const Picture picture(*load(knobLabels), 8.0f);
+    const Picture picture(*loadDrawing("knobLabels"), 8.0f);
     for (float y = 0.5625f; y < 40.0f; y += 3.25f)
         for (const float side : {-1.0f, 1.0f})
         {
@@ -146,26 +106,21 @@ TEST(ArtworkTest, BandLeavesANotchForTheKnob)
             EXPECT_EQ(picture.at(centreX + side * (edge + tolerance), y), orange) << y;
             EXPECT_EQ(picture.at(centreX + side * (edge - tolerance), y).getAlpha(), 0) << y;
         }
-
-    for (const auto corner : {juce::Point<float>(0.2f, 0.2f), {639.8f, 0.2f}, {0.2f, 39.8f}, {639.8f, 39.8f}})
-        EXPECT_LE(difference(picture.at(corner.x, corner.y), orange), 3) << corner.toString();
-    for (const auto blank :
-         {juce::Point<float>(320.0f, 0.2f), {320.0f, 39.8f}, {100.0f, 40.3f}, {540.0f, 40.3f}})
-        EXPECT_EQ(picture.at(blank.x, blank.y).getAlpha(), 0) << blank.toString();
+    for (const float x : {0.2f, 639.8f})
+    {
+        EXPECT_LE(difference(picture.at(x, 0.2f), orange), 3) << x;
+        EXPECT_LE(difference(picture.at(x, 39.8f), orange), 3) << x;
+        EXPECT_EQ(picture.at(x, 40.3f).getAlpha(), 0) << x;
+    }
 }
 
 TEST(ArtworkTest, WordsStandWhereTheyLabel)
 {
-    const Picture picture(*load(knobLabels), 8.0f);
-    const juce::Rectangle<float> band(0.0f, 0.0f, 640.0f, 40.0f);
-    const juce::Rectangle<float> lower(0.0f, 42.0f, 640.0f, 58.0f);
-    const auto halves = [](juce::Rectangle<float> area)
-    { return std::pair(area.removeFromLeft(area.getWidth() / 2.0f), area); };
-
-    const auto small = picture.boundsOf(halves(band).first, isOpaqueWhite);
-    const auto large = picture.boundsOf(halves(band).second, isOpaqueWhite);
-    const auto dry = picture.boundsOf(halves(lower).first, isOpaqueGrey);
-    const auto wet = picture.boundsOf(halves(lower).second, isOpaqueGrey);
+    const Picture picture(*loadDrawing("knobLabels"), 8.0f);
+    const auto small = picture.boundsOf({0.0f, 0.0f, 320.0f, 40.0f}, is(juce::Colours::white));
+    const auto large = picture.boundsOf({320.0f, 0.0f, 320.0f, 40.0f}, is(juce::Colours::white));
+    const auto dry = picture.boundsOf({0.0f, 42.0f, 320.0f, 58.0f}, is(grey));
+    const auto wet = picture.boundsOf({320.0f, 42.0f, 320.0f, 58.0f}, is(grey));
 
     // In the middle of the band, equally far from the window's edges, and clear of the notch.
     for (const auto& word : {small, large})
@@ -197,19 +152,16 @@ TEST(ArtworkTest, WordMarkIsSharpInTheWindow)
     {
         juce::Graphics graphics(window);
         graphics.fillAll(juce::Colours::white);
-        load(wordMark)->drawWithin(
+        loadDrawing("ambrel")->drawWithin(
             graphics, window.getBounds().toFloat(),
             juce::RectanglePlacement::centred | juce::RectanglePlacement::onlyReduceInSize, 1.0f);
     }
     const auto area = window.getBounds();
-    const auto is = [](juce::Colour wanted)
-    { return [wanted](juce::Colour colour) { return colour == wanted; }; };
-    const auto ink =
-        boundsOf(window, area, [](juce::Colour colour) { return colour != juce::Colours::white; });
+    const auto ink = boundsOf(window, area, [](auto colour) { return colour != juce::Colours::white; });
+    EXPECT_NEAR(ink.toFloat().getCentreX(), 320.0f, 1.0f);
     // The small mark is all flat edges: four bars of 2 by 22, 14, 9 and 5, without a blurred pixel.
     EXPECT_EQ(count(window, area, is(grey)), 2 * (22 + 14 + 9 + 5));
     EXPECT_GT(count(window, area, is(orange)), 1000);
-    EXPECT_NEAR(ink.toFloat().getCentreX(), 320.0f, 1.0f);
 
     // The stem of the last letter, 34 high, is four full pixels wide with white on both sides.
     const int stem = 126 + 244;
@@ -220,12 +172,11 @@ TEST(ArtworkTest, WordMarkIsSharpInTheWindow)
 
 TEST(ArtworkTest, BackgroundsLeaveBlackTextReadable)
 {
-    for (const Drawing& waves : {headerWaves, logoWaves})
+    for (const auto* waves : {"headerWaves", "logoWaves"})
     {
-        const Picture picture(*load(waves), 2.0f);
-        EXPECT_GT(lowestContrast(picture.image, juce::Colours::black), 4.5) << waves.name;
-        // Something must be there to see.
-        EXPECT_LT(lowestContrast(picture.image, juce::Colours::black), 12.0) << waves.name;
+        const auto lowest = lowestContrast(Picture(*loadDrawing(waves), 2.0f).image, juce::Colours::black);
+        EXPECT_GT(lowest, 4.5) << waves;
+        EXPECT_LT(lowest, 12.0) << waves << ": something must be there to see";
     }
     const auto steel = juce::ImageFileFormat::loadFrom(Artwork::steel_jpg, Artwork::steel_jpgSize);
     EXPECT_GT(lowestContrast(steel, juce::Colours::black), 10.0);
@@ -233,20 +184,23 @@ TEST(ArtworkTest, BackgroundsLeaveBlackTextReadable)
 
 TEST(ArtworkTest, SteelTileRepeatsWithoutASeam)
 {
-    const auto tile = juce::ImageFileFormat::loadFrom(Artwork::steel_jpg, Artwork::steel_jpgSize);
-    ASSERT_EQ(tile.getBounds(), juce::Rectangle<int>(256, 256));
     constexpr int size = 256;
+    const auto tile = juce::ImageFileFormat::loadFrom(Artwork::steel_jpg, Artwork::steel_jpgSize);
+    ASSERT_EQ(tile.getBounds(), juce::Rectangle<int>(size, size));
     const auto level = [&](int x, int y) { return tile.getPixelAt(x % size, y % size).getGreen(); };
 
     // Mean square step from each column to the next, and from each row to the next, the last one to the first.
-    std::vector<double> acrossColumns(size), acrossRows(size);
+    std::vector<double> acrossColumns, acrossRows;
     for (int i = 0; i < size; ++i)
     {
+        double column = 0.0, row = 0.0;
         for (int k = 0; k < size; ++k)
         {
-            acrossColumns[static_cast<std::size_t>(i)] += std::pow(level(i + 1, k) - level(i, k), 2.0) / size;
-            acrossRows[static_cast<std::size_t>(i)] += std::pow(level(k, i + 1) - level(k, i), 2.0) / size;
+            column += std::pow(level(i + 1, k) - level(i, k), 2.0);
+            row += std::pow(level(k, i + 1) - level(k, i), 2.0);
         }
+        acrossColumns.push_back(column / size);
+        acrossRows.push_back(row / size);
     }
     for (auto* steps : {&acrossColumns, &acrossRows})
     {
