@@ -1,103 +1,61 @@
 #include "dsp/FirFilter.h"
-#include "tests/core/TestSignals.h"
-
-#include <gtest/gtest.h>
-
-#include <functional>
-#include <numeric>
+#include "tests/dsp/Measures.h"
 
 namespace vesk::audio
 {
+
+using namespace test;
+
 namespace
 {
-
-using test::addConvolution;
-using test::convolve;
-using test::getChannel;
-using test::makeNoise;
-using test::makeNoiseSignal;
-using test::makeSignal;
-using test::maxDifference;
-using test::slice;
-using test::toVector;
-
 using Blocks = std::vector<int>;
 
 /** Rounding of transforms of some thousand samples of noise, and of sums of as many products. */
 double getTolerance(int taps) { return 2e-6 * std::sqrt(static_cast<double>(taps)) + 1e-6; }
 
-/** Runs a stream through process in blocks whose lengths repeat as told. */
-Signal32 run(const Signal32& input, const Blocks& lengths,
-             const std::function<Signal32(const Signal32&)>& process)
-{
-    std::vector<std::vector<float>> output;
-    for (int done = 0, step = 0; done < input.numSamples; ++step)
-    {
-        const int n = std::min(lengths[std::size_t(step) % lengths.size()], input.numSamples - done);
-        const Signal32 block = process(slice(input, done, n));
-        EXPECT_EQ(block.numSamples, n);
-        output.resize(static_cast<std::size_t>(block.numChannels));
-        for (int c = 0; c < block.numChannels; ++c)
-            output[std::size_t(c)].insert(output[std::size_t(c)].end(), block.getChannelPtr(c),
-                                          block.getChannelPtr(c) + n);
-        done += n;
-    }
-    return makeSignal(output);
-}
-
 Signal32 run(FirFilter& filter, const Signal32& input, const Blocks& lengths)
 {
-    return run(input, lengths, [&](const Signal32& block) { return filter.process(block); });
+    return processInBlocks(input, lengths, [&](const Signal32& block) { return filter.process(block); });
 }
 
-void expectConvolution(const Signal32& output, const Signal32& input, const Signal32& response)
+/** @param begin  of what counts of the output, in samples */
+void expectConvolution(const Signal32& output, const Signal32& input, const Signal32& response, int begin = 0)
 {
     for (int c = 0; c < response.numChannels; ++c)
-        EXPECT_LT(
-            maxDifference(getChannel(output, c), convolve(getChannel(input, c), getChannel(response, c))),
-            getTolerance(response.numSamples))
+    {
+        const auto expected = convolve(getChannel(input, c), getChannel(response, c));
+        const auto skipped = static_cast<std::size_t>(begin);
+        const auto before = expected.size() - static_cast<std::size_t>(output.numSamples);
+        EXPECT_LT(maxDifference(getChannel(output, c).subspan(skipped),
+                                std::span(expected).subspan(before + skipped)),
+                  getTolerance(response.numSamples))
             << "channel " << c;
+    }
 }
 
 /** Noise in a few dozen places all over a long response, cheap for the reference; among them the borders of all
     partitions. */
-Signal32 makeSparseResponse(int channels, int length, const FirFilter& schedule)
+Signal32 makeSparseResponse(int length, int loadDistributionPeriod)
 {
-    Signal32 response(channels, length, 0.0f);
+    FirFilter schedule;
+    schedule.setLoadDistribution(true, loadDistributionPeriod);
+    schedule.setImpulseResponse(Signal32(1, length, 0.0f));
     std::vector<int> taps = {0, 1, 127, length - 1};
     for (const auto& partition : schedule.partitions)
         taps.insert(taps.end(), {partition->offset - 1, partition->offset,
                                  std::min(partition->offset + partition->fftSize / 2 - 1, length - 1)});
     for (int i = 1; i < 24; ++i)
         taps.push_back(static_cast<int>(static_cast<std::int64_t>(length) * i / 24));
-    for (int c = 0; c < channels; ++c)
-    {
-        const auto values = makeNoise(static_cast<int>(taps.size()), 70 + unsigned(c));
-        for (std::size_t i = 0; i < taps.size(); ++i)
-            response.getWriteChannelPtr(c)[taps[i]] = values[i];
-    }
+
+    Signal32 response(1, length, 0.0f);
+    const auto values = makeNoise(static_cast<int>(taps.size()), 70);
+    for (std::size_t i = 0; i < taps.size(); ++i)
+        response.getWriteChannelPtr(0)[taps[i]] = values[i];
     return response;
 }
+} // namespace
 
-/** A filter with a sparse response of this length. */
-struct SparseFilter
-{
-    SparseFilter(int channels, int length, int loadDistributionPeriod)
-    {
-        filter.setLoadDistribution(loadDistributionPeriod > 0, std::max(loadDistributionPeriod, 1));
-        filter.setImpulseResponse(Signal32(channels, length, 0.0f));
-        response = makeSparseResponse(channels, length, filter);
-        filter.setImpulseResponse(response);
-    }
-
-    FirFilter filter;
-    Signal32 response;
-};
-
-//==============================================================================
-// Schedule
-
-TEST(FirFilterSchedule, PartitionSizes)
+TEST(FirFilter, ScheduleCoversTheResponseInPartitionsThatAreReadyWhenTheyAreDue)
 {
     struct Row
     {
@@ -136,37 +94,25 @@ TEST(FirFilterSchedule, PartitionSizes)
     }
 }
 
-TEST(FirFilterSchedule, LoadDistributionTakesEffectAtTheNextResponse)
-{
-    FirFilter filter(Signal32(1, 5000, 0.0f));
-    const auto plain = filter.partitionSizes;
-    filter.setLoadDistribution(true, 1);
-    EXPECT_EQ(filter.partitionSizes, plain);
-    filter.setImpulseResponse(Signal32(1, 5000, 0.0f));
-    EXPECT_EQ(filter.partitionSizes, (std::vector<int>{128, 256, 128, 512, 256, 1024, 512, 2048, 1024}));
-}
-
-//==============================================================================
-// Convolution
-
-const Blocks blockPatterns[] = {
-    {1},
-    {32},
-    {64},
-    {64, 64, 64, 100, 32, 32, 64, 7, 128},
-    {100},
-    {128},
-    {256},
-    {480},
-    {1024},
-    {1000, 3},
-    {127, 128, 129},
-    {256, 256, 256, 256, 100, 100, 100},
-    {1, 100, 127, 128, 129, 256, 1000, 256, 256, 5, 1024, 64, 512, 1024, 1024, 2048, 128, 128, 31}};
-
 TEST(FirFilter, IsOneLongConvolutionHoweverTheStreamIsCut)
 {
-    const auto input = makeNoiseSignal(2, 9000, 1);
+    const Blocks blockPatterns[] = {
+        {1},
+        {32},
+        {64},
+        {64, 64, 64, 100, 32, 32, 64, 7, 128},
+        {100},
+        {128},
+        {256},
+        {480},
+        {1024},
+        {1000, 3},
+        {127, 128, 129},
+        {256, 256, 256, 256, 100, 100, 100},
+        {1, 100, 127, 128, 129, 256, 1000, 256, 256, 5, 1024, 64, 512, 1024, 1024, 2048, 128, 128, 31},
+        {256, 0, 100, 0, 0, 256},
+        {64, 5000, 64, 9001, 128, 16384, 64}}; // longer than the ring's margin
+    const auto input = makeNoiseSignal(2, 32000, 1);
     for (const int length : {1, 2, 40, 128, 129, 300, 700, 1024, 3000})
     {
         const auto response = makeNoiseSignal(2, length, 2);
@@ -190,50 +136,40 @@ TEST(FirFilter, LoadDistributionChangesNothingOfTheSound)
     for (const int period : {1, 2, 3, 4})
         for (const int length : {1000, 9000, 13317, 24000, 29000, 60000})
         {
-            SparseFilter sparse(1, length, period);
+            const auto response = makeSparseResponse(length, period);
             const auto input = makeNoiseSignal(1, length + 20000, 3);
             for (const Blocks& lengths : {Blocks{480}, {512}, {64, 1000, 256}})
             {
                 FirFilter filter;
                 filter.setLoadDistribution(true, period);
-                filter.setImpulseResponse(sparse.response);
+                filter.setImpulseResponse(response);
                 SCOPED_TRACE(testing::Message()
                              << "period " << period << ", " << length << " taps, blocks from " << lengths[0]);
-                expectConvolution(run(filter, input, lengths), input, sparse.response);
+                expectConvolution(run(filter, input, lengths), input, response);
             }
         }
 }
 
 TEST(FirFilter, ALongHeadSilencesShiftedPartitionsThatReachBeyondIt)
 {
-    SparseFilter sparse(1, 20000, 4);
-    auto& [filter, response] = sparse;
+    auto response = makeSparseResponse(20000, 4);
+    FirFilter filter;
+    filter.setLoadDistribution(true, 4);
+    filter.setImpulseResponse(response);
     const auto input = makeNoiseSignal(1, 5 * 8192, 4);
     const auto output = run(filter, input, {8192});
 
     // The partitions at 4096 and 5120 rest, and the second one ends at 9216.
-    auto heard = response;
-    std::fill(heard.getWriteChannelPtr(0) + 8192, heard.getWriteChannelPtr(0) + 9216, 0.0f);
-    expectConvolution(output, input, heard);
-}
-
-TEST(FirFilter, TakesBlocksLongerThanTheRingsMargin)
-{
-    const auto input = makeNoiseSignal(2, 60000, 5);
-    for (const int length : {100, 700, 3000})
-    {
-        const auto response = makeNoiseSignal(2, length, 6);
-        FirFilter filter(response);
-        expectConvolution(run(filter, input, {64, 5000, 64, 9001, 128, 16384, 20000, 64}), input, response);
-        EXPECT_GE(filter.input.maxBlockSize, 20000);
-    }
+    std::fill(response.getWriteChannelPtr(0) + 8192, response.getWriteChannelPtr(0) + 9216, 0.0f);
+    expectConvolution(output, input, response);
 }
 
 TEST(FirFilter, SeveralResponsesSeparatelyAndAsAMatrix)
 {
     const auto input = makeNoiseSignal(2, 5000, 7);
     // The first one tells the schedule; shorter ones end in silence.
-    for (const std::vector<int>& lengths : {std::vector<int>{700, 700, 700}, {700, 200, 300}, {700, 40, 1}})
+    for (const std::vector<int>& lengths :
+         {std::vector<int>{700, 700, 700}, {700, 200, 300}, {700, 40, 1}, {40, 40, 7}})
     {
         std::vector<Signal32> responses;
         for (const int length : lengths)
@@ -243,24 +179,23 @@ TEST(FirFilter, SeveralResponsesSeparatelyAndAsAMatrix)
             FirFilter separate, matrix;
             separate.setMultipleIRs(responses);
             matrix.setMultipleIRs(responses);
-            for (int k = 0; k < 3; ++k)
+            for (std::size_t k = 0; k < 3; ++k)
             {
-                SCOPED_TRACE(testing::Message() << "response " << k << " of " << lengths[std::size_t(k)]
+                SCOPED_TRACE(testing::Message() << "response " << k << " of " << lengths[k]
                                                 << " taps, blocks from " << blocks[0]);
-                const auto& response = responses[std::size_t(k)];
                 separate.reset();
-                const auto output = run(input, blocks,
-                                        [&](const Signal32& block)
-                                        { return separate.processMultiple(block).at(std::size_t(k)); });
-                expectConvolution(output, input, response);
+                const auto output = processInBlocks(input, blocks,
+                                                    [&](const Signal32& block)
+                                                    { return separate.processMultiple(block).at(k); });
+                expectConvolution(output, input, responses[k]);
 
                 matrix.reset();
-                const auto sums =
-                    run(input, blocks, [&](const Signal32& b) { return matrix.processSummed(b); });
+                const auto sums = processInBlocks(
+                    input, blocks, [&](const Signal32& block) { return matrix.processSummed(block); });
                 ASSERT_EQ(sums.numChannels, 3);
-                auto expected = convolve(getChannel(input, 0), getChannel(response, 0));
-                addConvolution(getChannel(input, 1), getChannel(response, 1), expected);
-                EXPECT_LT(maxDifference(getChannel(sums, k), expected), getTolerance(1400));
+                auto expected = convolve(getChannel(input, 0), getChannel(responses[k], 0));
+                addConvolution(getChannel(input, 1), getChannel(responses[k], 1), expected);
+                EXPECT_LT(maxDifference(getChannel(sums, static_cast<int>(k)), expected), getTolerance(1400));
             }
         }
     }
@@ -282,21 +217,18 @@ TEST(FirFilter, ResultsBelongToTheCaller)
     EXPECT_EQ(toVector(input, 0), kept);
 }
 
-//==============================================================================
-// Life cycle
-
 TEST(FirFilter, AfterAResetTheOutputDependsOnNewInputOnly)
 {
     const auto response = makeNoiseSignal(2, 1000, 12), input = makeNoiseSignal(2, 3000, 13);
     for (const Blocks& blocks : {Blocks{100}, {64}, {256}, {256, 100}})
     {
         FirFilter filter(response);
-        run(filter, makeNoiseSignal(2, 2900, 14), blocks);
-        filter.reset();
-        expectConvolution(run(filter, input, blocks), input, response);
-        run(filter, makeNoiseSignal(2, 900, 15), {128, 31});
-        filter.reset();
-        expectConvolution(run(filter, input, blocks), input, response);
+        for (const Blocks& before : {blocks, {128, 31}})
+        {
+            run(filter, makeNoiseSignal(2, 2900, 14), before);
+            filter.reset();
+            expectConvolution(run(filter, input, blocks), input, response);
+        }
     }
 }
 
@@ -313,8 +245,8 @@ TEST(FirFilter, AnotherChannelCountAndAnotherNumberOfResponses)
             filter.setMultipleIRs(responses);
             // Partitions that are created under an FFT head run beside it, so another head comes first.
             const auto output =
-                run(input, {100, 256, 256},
-                    [&](const Signal32& block) { return filter.processMultiple(block).back(); });
+                processInBlocks(input, {100, 256, 256},
+                                [&](const Signal32& block) { return filter.processMultiple(block).back(); });
             expectConvolution(output, input, responses.back());
         }
 }
@@ -329,33 +261,24 @@ TEST(FirFilter, ANewResponseFindsTheWholePast)
     for (const auto& [before, after] : {Row{128, 128}, {128, 3000}, {300, 700}, {3000, 400}, {3000, 3000}})
         for (const int block : {100, 256, 1024})
         {
-            constexpr int change = 5 * 1024;
-            const int begin = change / block * block;
-            const auto input = makeNoiseSignal(1, 2 * change, 20);
-            const auto oldResponse = makeNoiseSignal(1, before, 21),
-                       newResponse = makeNoiseSignal(1, after, 22);
-            FirFilter filter(oldResponse);
-            run(filter, slice(input, 0, begin), {block});
-
+            SCOPED_TRACE(testing::Message() << before << " to " << after << " taps, blocks of " << block);
+            const auto input = makeNoiseSignal(1, 10000, 20), response = makeNoiseSignal(1, after, 22);
+            FirFilter filter(makeNoiseSignal(1, before, 21));
+            int start = 5000 / block * block;
+            run(filter, slice(input, 0, start), {block});
             // A response that is loaded while the head is an FFT leaves its inner partitions running until the
             // head changes; so it changes here.
-            if (block == 256 || block == 1024)
-                filter.process(slice(input, begin, 1));
-            const int start = block == 100 ? begin : begin + 1;
-            filter.setImpulseResponse(newResponse);
+            if (block != 100)
+                filter.process(slice(input, start++, 1));
+            filter.setImpulseResponse(response);
             const auto output =
                 run(filter, slice(input, start, input.numSamples - start), {block == 100 ? 100 : 99});
 
-            const auto expected = convolve(getChannel(input, 0), getChannel(newResponse, 0));
             // Partitions that stay hand out what they had computed: no more than their offset.
             int queued = 0;
             for (const auto& partition : filter.partitions)
                 queued = partition->offset < before ? partition->offset : queued;
-            const auto first = static_cast<std::size_t>(start + queued);
-            EXPECT_LT(maxDifference(getChannel(output, 0).subspan(std::size_t(queued)),
-                                    std::span(expected).subspan(first)),
-                      getTolerance(after))
-                << before << " to " << after << " taps, blocks of " << block;
+            expectConvolution(output, input, response, queued);
         }
 }
 
@@ -364,18 +287,16 @@ TEST(FirFilter, APartitionOfTheSameSizeElsewhereInTheResponseIsNotKept)
     const auto input = makeNoiseSignal(1, 8000, 28), response = makeNoiseSignal(1, 1400, 29);
     FirFilter filter;
     filter.setLoadDistribution(true, 1);
-    filter.setImpulseResponse(makeNoiseSignal(1, 2000, 30));
-    ASSERT_EQ(filter.partitionSizes, (std::vector<int>{128, 256, 128, 512, 256, 1024}));
+    filter.setImpulseResponse(makeNoiseSignal(1, 5000, 30));
+    filter.setLoadDistribution(false, 1);
+    ASSERT_EQ(filter.partitionSizes, (std::vector<int>{128, 256, 128, 512, 256, 1024, 512, 2048, 1024}))
+        << "load distribution takes effect at the next response";
     run(filter, slice(input, 0, 4000), {100});
 
-    filter.setLoadDistribution(false, 1);
     filter.setImpulseResponse(response);
     ASSERT_EQ(filter.partitionSizes, (std::vector<int>{128, 256, 512, 512}));
-    const auto output = run(filter, slice(input, 4000, 4000), {100});
-    const auto expected = convolve(getChannel(input, 0), getChannel(response, 0));
     // The first two partitions stay, and hand out what they had computed of the old response.
-    EXPECT_LT(maxDifference(getChannel(output, 0).subspan(512), std::span(expected).subspan(4512)),
-              getTolerance(1400));
+    expectConvolution(run(filter, slice(input, 4000, 4000), {100}), input, response, 512);
 }
 
 TEST(FirFilter, PartitionsCreatedUnderAnFftHeadSoundTwiceUntilTheHeadChanges)
@@ -386,30 +307,11 @@ TEST(FirFilter, PartitionsCreatedUnderAnFftHeadSoundTwiceUntilTheHeadChanges)
     filter.setImpulseResponse(response);
     const auto output = run(filter, slice(input, 256, 4096 - 256), {256});
 
-    Signal32 twice(1, 512, 0.0f);
-    std::copy_n(response.getChannelPtr(0) + 128, 128, twice.getWriteChannelPtr(0) + 128);
-    const auto once = convolve(getChannel(input, 0), getChannel(response, 0));
-    auto expected = once;
-    addConvolution(getChannel(input, 0), getChannel(twice, 0), expected);
-    EXPECT_LT(maxDifference(getChannel(output, 0), std::span(expected).subspan(256, 4096 - 256)),
-              getTolerance(512));
-
-    const auto after = run(filter, slice(input, 4096, 4096), {100, 256, 256});
-    EXPECT_LT(maxDifference(getChannel(after, 0), std::span(once).subspan(4096)), getTolerance(512));
+    auto twice = response;
+    for (int k = 128; k < 256; ++k)
+        twice.getWriteChannelPtr(0)[k] *= 2.0f;
+    expectConvolution(output, slice(input, 0, 4096), twice);
+    expectConvolution(run(filter, slice(input, 4096, 4096), {100, 256, 256}), input, response);
 }
 
-TEST(FirFilter, EmptyBlocksPassThrough)
-{
-    const auto input = makeNoiseSignal(2, 2000, 26), response = makeNoiseSignal(2, 700, 27);
-    FirFilter filter(response);
-    const auto output = run(input, {256, 100, 256},
-                            [&](const Signal32& block)
-                            {
-                                EXPECT_EQ(filter.process(Signal32(2, 0)).numSamples, 0);
-                                return filter.process(block);
-                            });
-    expectConvolution(output, input, response);
-}
-
-} // namespace
 } // namespace vesk::audio
