@@ -45,26 +45,21 @@ TEST(Butterworth, PassFiltersMirrorEachOther)
 TEST(Butterworth, ShelvesReachTheirGainAndCutsAreReciprocalBoosts)
 {
     const std::vector<float> frequencies = {0.0f, 300.0f, cutoff, 2500.0f, 1e8f};
-    struct Row
-    {
-        float gain;   ///< dB
-        float offset; ///< dB
-    };
-    for (const auto& row : {Row{6.0f, 0.0f}, Row{24.0f, 0.0f}, Row{12.0f, -3.0f}, Row{0.5f, 0.0f}})
+    for (const auto& [gain, offset] :
+         {std::pair{6.0f, 0.0f}, {24.0f, 0.0f}, {12.0f, -3.0f}, {0.5f, 0.0f}}) // dB
         for (const auto evaluate :
              {Butterworth::evaluateLowShelfFilter, Butterworth::evaluateHighShelfFilter})
         {
             const bool isLow = evaluate == Butterworth::evaluateLowShelfFilter;
-            SCOPED_TRACE(testing::Message()
-                         << (isLow ? "low " : "high ") << row.gain << " dB, " << row.offset);
-            const auto boost = toVector(evaluate(frequencies, row.gain, cutoff, 1.5f, row.offset), 0);
-            const auto cut = toVector(evaluate(frequencies, -row.gain, cutoff, 1.5f, row.offset), 0);
-            const double top = toLinear(row.gain);
+            SCOPED_TRACE(testing::Message() << (isLow ? "low " : "high ") << gain << " dB, " << offset);
+            const auto boost = toVector(evaluate(frequencies, gain, cutoff, 1.5f, offset), 0);
+            const auto cut = toVector(evaluate(frequencies, -gain, cutoff, 1.5f, offset), 0);
+            const double top = toLinear(gain);
             EXPECT_NEAR(isLow ? boost.front() : boost.back(), top, 1e-5 * top);
             EXPECT_NEAR(isLow ? boost.back() : boost.front(), 1.0, 1e-4);
 
             // At the cut-off the half-power point of the part above 1, lifted to the level asked for.
-            EXPECT_NEAR(boost[2], 1.0 + (toLinear(row.gain + row.offset) - 1.0) * std::sqrt(0.5), 1e-5 * top);
+            EXPECT_NEAR(boost[2], 1.0 + (toLinear(gain + offset) - 1.0) * std::sqrt(0.5), 1e-5 * top);
             for (std::size_t i = 0; i < boost.size(); ++i)
                 EXPECT_NEAR(boost[i] * cut[i], 1.0f, 1e-6f);
 

@@ -10,6 +10,7 @@ using namespace vesk::audio::test;
 TEST(FourierTransform, FollowsTheDefinitionAndItsInverseAtEveryLength)
 {
     FourierTransform transform;
+    FourierTransform sizedBySpectra;
     for (const int length : {4, 8, 64, 512, 128, 1024})
     {
         SCOPED_TRACE(length);
@@ -19,6 +20,7 @@ TEST(FourierTransform, FollowsTheDefinitionAndItsInverseAtEveryLength)
         const auto* tables = transform.realSpec;
         const Signal32 back = (1.0f / static_cast<float>(length)) * transform.inverseReal(spectrum);
         EXPECT_EQ(transform.realSpec, tables) << "tables built anew for the same length";
+        const Signal32 equal = (1.0f / static_cast<float>(length)) * sizedBySpectra.inverseReal(spectrum);
         for (int c = 0; c < 2; ++c)
         {
             for (int bin = 0; bin <= length / 2; ++bin)
@@ -28,18 +30,7 @@ TEST(FourierTransform, FollowsTheDefinitionAndItsInverseAtEveryLength)
                 ASSERT_LT(std::abs(actual - expected), 1e-6 * length) << "bin " << bin;
             }
             EXPECT_LT(maxDifference(getChannel(back, c), getChannel(input, c)), 1e-6);
+            EXPECT_EQ(toVector(equal, c), toVector(back, c));
         }
-    }
-}
-
-TEST(FourierTransform, IsSizedByASpectrumToo)
-{
-    FourierTransform transform;
-    for (const int bins : {129, 65})
-    {
-        const Signal32 impulse = transform.inverseReal(ComplexSignal32(1, bins, {1.0f, 0.0f}));
-        EXPECT_EQ(impulse.numSamples, 2 * bins - 2);
-        EXPECT_EQ(transform.size, 2 * bins - 2);
-        EXPECT_NEAR(impulse.getChannelPtr(0)[0], static_cast<float>(2 * bins - 2), 1e-3f);
     }
 }

@@ -17,10 +17,9 @@ TEST(NoiseGenerator, HasTheDistributionAskedFor)
         vo::RandomDistribution distribution;
         float scale;
         double kurtosis;
-        double peak; ///< bound, in standard deviations
     };
     constexpr int length = 200000;
-    for (const auto& row : {Row{vo::Gaussian, 0.02f, 3.0, 7.0}, Row{vo::Uniform, 5.0f, 1.8, 1.7320509}})
+    for (const auto& row : {Row{vo::Gaussian, 0.02f, 3.0}, Row{vo::Uniform, 5.0f, 1.8}})
     {
         SCOPED_TRACE(row.distribution);
         NoiseGenerator generator(1, row.distribution, row.scale, 0.0f, 42u);
@@ -29,8 +28,6 @@ TEST(NoiseGenerator, HasTheDistributionAskedFor)
         EXPECT_NEAR(std::abs(spectrumAt(getChannel(noise, 0), 0.0)) / length, 0.0, 0.01);
         EXPECT_NEAR(getEnergy(getChannel(noise, 0)) / length, 1.0, 0.01);
         EXPECT_NEAR(getEnergy(getChannel(squares, 0)) / length, row.kurtosis, 0.05);
-        EXPECT_NEAR(getCorrelation(getChannel(noise, 0), getChannel(noise, 0), 1), 0.0, 0.01);
-        EXPECT_LE(getPeak(getChannel(noise, 0)), row.peak);
     }
     EXPECT_THROW(NoiseGenerator(1, static_cast<vo::RandomDistribution>(2), 1.0f, 0.0f, 1u),
                  std::invalid_argument);
@@ -38,17 +35,13 @@ TEST(NoiseGenerator, HasTheDistributionAskedFor)
 
 TEST(NoiseGenerator, ChannelsDifferOnlyInGain)
 {
-    struct Row
+    for (const auto& [correlation, gain] :
+         {std::pair{0.0f, 1.0f}, {0.5f, 1.41421356f}, {0.1f, 1.26491106f}, {1.0f, 1.0f}})
     {
-        float correlation;
-        float gain;
-    };
-    for (const auto& row : {Row{0.0f, 1.0f}, Row{0.5f, 1.41421356f}, Row{0.1f, 1.26491106f}, Row{1.0f, 1.0f}})
-    {
-        SCOPED_TRACE(row.correlation);
-        NoiseGenerator generator(3, vo::Gaussian, 1.0f, row.correlation, 7u);
+        SCOPED_TRACE(correlation);
+        NoiseGenerator generator(3, vo::Gaussian, 1.0f, correlation, 7u);
         const Signal32 noise = generator.generate(500);
-        Signal32 scaled = row.gain * noise;
+        const Signal32 scaled = gain * noise;
         EXPECT_LT(maxDifference(getChannel(noise, 1), getChannel(scaled, 0)), 2e-6);
         EXPECT_EQ(toVector(noise, 2), toVector(noise, 1));
     }
