@@ -15,6 +15,9 @@
 
 #include <cctype>
 #include <string>
+#include <tuple>
+#include <type_traits>
+#include <utility>
 
 namespace vesk::audio::test
 {
@@ -42,6 +45,27 @@ inline std::string getInstructionSetName(const testing::TestParamInfo<const kern
 /** Lengths around the borders of vectors of up to 16 lanes and of unrolled loops over them. */
 inline constexpr int sweptLengths[] = {1,  2,  3,  4,  5,  7,  8,   9,   15,  16,   17,  31,
                                        32, 33, 63, 64, 65, 97, 100, 127, 129, 1000, 1023};
+
+/** Whether a null for any one of the arrays makes the kernel give ippStsNullPtrErr. An argument that is null
+    here already is one that may be. */
+template <typename... Args>
+testing::AssertionResult refusesNulls(IppStatus (*kernel)(Args...), std::type_identity_t<Args>... args)
+{
+    std::tuple<Args...> all(args...);
+    auto result = testing::AssertionSuccess();
+    const auto tryNull = [&]<typename T>(T& argument)
+    {
+        if constexpr (std::is_pointer_v<T>)
+        {
+            const T kept = std::exchange(argument, nullptr);
+            if (kept != nullptr && std::apply(kernel, all) != ippStsNullPtrErr)
+                result = testing::AssertionFailure() << "took a null " << testing::PrintToString(kept);
+            argument = kept;
+        }
+    };
+    std::apply([&](auto&... arguments) { (tryNull(arguments), ...); }, all);
+    return result;
+}
 
 } // namespace vesk::audio::test
 

@@ -55,6 +55,15 @@ inline std::vector<float> toVector(const Signal<float>& signal, int channel)
     return {samples.begin(), samples.end()};
 }
 
+/** All channels, to be compared and printed. */
+inline std::vector<std::vector<float>> toVectors(const Signal<float>& signal)
+{
+    std::vector<std::vector<float>> result;
+    for (int c = 0; c < signal.numChannels; ++c)
+        result.push_back(toVector(signal, c));
+    return result;
+}
+
 /** Samples begin to begin + length of every channel. */
 inline Signal32 slice(const Signal32& signal, int begin, int length)
 {
@@ -62,6 +71,19 @@ inline Signal32 slice(const Signal32& signal, int begin, int length)
     for (int c = 0; c < signal.numChannels; ++c)
         std::copy_n(signal.getChannelPtr(c) + begin, length, result.getWriteChannelPtr(c));
     return result;
+}
+
+/** Calls process(begin, length) for one block after the other, whose lengths repeat as told. */
+template <typename Lengths, typename Process>
+void forEachBlock(int total, const Lengths& lengths, Process process)
+{
+    for (int begin = 0, step = 0; begin < total; ++step)
+    {
+        const int length =
+            std::min(lengths[static_cast<std::size_t>(step) % std::size(lengths)], total - begin);
+        process(begin, length);
+        begin += length;
+    }
 }
 
 /** The first signal.size() samples of the convolution, added to result. */
