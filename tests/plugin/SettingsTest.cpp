@@ -9,34 +9,23 @@ namespace
 {
 juce::File home() { return juce::File::getSpecialLocation(juce::File::userHomeDirectory); }
 
-/** A file in the resource folder of the test program, deleted with this. */
-class Resource
+/** A translation in the resource folder of a bundle beside the test program, which goes away with this. Each test has
+    its own bundle, for tests run at the same time. */
+class Translation
 {
 public:
-    Resource(const juce::String& path, const juce::String& content) : file(makeFolder().getChildFile(path))
+    Translation(const juce::String& bundle, const juce::String& language, const juce::String& undo)
+        : file(juce::File::getSpecialLocation(juce::File::currentExecutableFile)
+                   .getSiblingFile("share/" + bundle + "/" + bundle + "_" + language + ".loc"))
     {
         file.create();
-        file.replaceWithText(content);
+        file.replaceWithText("language: Test\ncountries: xx\n\n\"Undo\" = \"" + undo + "\"\n");
     }
-    ~Resource() { file.deleteFile(); }
-
-    const juce::File file;
+    ~Translation() { file.getParentDirectory().deleteRecursively(); }
 
 private:
-    /** Shared resources beside this program, of the test's own bundle. The folder stays: tests that run at the
-        same time share it, and no other bundle looks there. */
-    static juce::File makeFolder()
-    {
-        const auto program = juce::File::getSpecialLocation(juce::File::currentExecutableFile);
-        program.getSiblingFile("share/Test Bundle").createDirectory();
-        return PlugInPlaces("Test Bundle", "").getResourceFolder();
-    }
+    const juce::File file;
 };
-
-juce::String translationText(const juce::String& undo)
-{
-    return "language: Test\ncountries: xx\n\n\"Undo\" = \"" + undo + "\"\n";
-}
 
 /** As a new plug-in of a bundle translates it. */
 juce::String translateUndo(const juce::String& bundle)
@@ -115,30 +104,19 @@ TEST(SettingsTest, ResourcesAreFoundByWalkingUp)
     EXPECT_EQ(find("lib/vst3/X.vst3"), inBundle) << "a bundle's own resources come before shared ones";
 }
 
-TEST(SettingsTest, HelpFallsBackToEnglish)
-{
-    const TestPlugIn plugIn;
-    const Resource german("TestBundle_de/testplugin.html", "<html/>");
-    const auto resources = german.file.getParentDirectory().getParentDirectory();
-    EXPECT_EQ(plugIn.getHelpFilePath("de"), german.file.getFullPathName());
-    EXPECT_EQ(plugIn.getHelpFilePath("fr"),
-              resources.getChildFile("TestBundle_en/testplugin.html").getFullPathName());
-    german.file.getParentDirectory().deleteRecursively();
-}
-
 TEST(SettingsTest, TranslationOfTheDisplayLanguageIsTakenUp)
 {
     const auto language = juce::SystemStats::getDisplayLanguage().upToFirstOccurrenceOf("-", false, false);
-    const Resource translation("TestBundle_" + language + ".loc", translationText("Zurueck"));
-    EXPECT_EQ(translateUndo("Other Bundle"), "Undo");
-    EXPECT_EQ(translateUndo("Test Bundle"), "Zurueck");
+    const Translation translation("Display", language, "Zurueck");
+    EXPECT_EQ(translateUndo("Other"), "Undo");
+    EXPECT_EQ(translateUndo("Display"), "Zurueck");
 }
 
 #if JUCE_LINUX
 TEST(SettingsTest, TheEnvironmentTellsTheLanguage)
 {
-    const Resource german("TestBundle_de.loc", translationText("Zurueck"));
-    const Resource french("TestBundle_fr.loc", translationText("Annuler"));
+    const Translation german("Environment", "de", "Zurueck");
+    const Translation french("Environment", "fr", "Annuler");
     struct Row
     {
         const char* all;
@@ -154,7 +132,7 @@ TEST(SettingsTest, TheEnvironmentTellsTheLanguage)
         setenv("LC_ALL", row.all, 1);
         setenv("LC_MESSAGES", row.messages, 1);
         setenv("LANGUAGE", row.language, 1);
-        EXPECT_EQ(translateUndo("Test Bundle"), row.undo)
+        EXPECT_EQ(translateUndo("Environment"), row.undo)
             << row.all << ", " << row.messages << ", " << row.language;
     }
     for (const auto* variable : {"LC_MESSAGES", "LANGUAGE"})
@@ -165,16 +143,16 @@ TEST(SettingsTest, TheEnvironmentTellsTheLanguage)
 TEST(SettingsTest, WhatNoFontCanShowIsNotTranslated)
 {
     const auto undo = juce::String::fromUTF8("\xe5\x85\x83\xe3\x81\xab\xe6\x88\xbb\xe3\x81\x99");
-    const Resource japanese("TestBundle_ja.loc", translationText(undo));
+    const Translation japanese("Fonts", "ja", undo);
     setenv("LC_ALL", "ja_JP.UTF-8", 1);
     const TemporaryFolder empty;
     setenv("FONTCONFIG_FILE", empty.write("fonts.conf", "<fontconfig/>").getFullPathName().toRawUTF8(), 1);
-    EXPECT_EQ(translateUndo("Test Bundle"), "Undo");
+    EXPECT_EQ(translateUndo("Fonts"), "Undo");
     EXPECT_FALSE(FallbackTypeface::isProvided());
     unsetenv("FONTCONFIG_FILE");
 
     const bool isReadable = FallbackTypeface::provide("ja");
-    EXPECT_EQ(translateUndo("Test Bundle"), isReadable ? undo : "Undo");
+    EXPECT_EQ(translateUndo("Fonts"), isReadable ? undo : "Undo");
     if (isReadable)
     {
         const juce::Typeface::Ptr usual(juce::Font().getTypefacePtr());

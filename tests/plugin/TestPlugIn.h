@@ -5,22 +5,18 @@
 
 #include "plugin/BasePlugInProcessor.h"
 
+#include <algorithm>
+#include <array>
 #include <functional>
 #include <stdexcept>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 /** Parameters 0 to 3; process halves the signal unless told otherwise. */
 class FakeEngine : public vesk::audio::BaseAudioProcessor
 {
 public:
-    struct Range
-    {
-        float minimum;
-        float maximum;
-    };
-
-    static constexpr Range ranges[] = {{0.0f, 100.0f}, {20.0f, 20000.0f}, {0.0f, 1.0f}, {-48.0f, 18.0f}};
-
     bool setFormat(const vesk::audio::AudioFormat& input, const vesk::audio::AudioFormat& output) override
     {
         ++formatsSet;
@@ -32,22 +28,15 @@ public:
 
     void getParameterRange(int index, float& low, float& high) override
     {
-        check(index);
-        low = ranges[index].minimum;
-        high = ranges[index].maximum;
+        std::tie(low, high) = ranges.at(static_cast<std::size_t>(index));
     }
 
-    float getParameterValue(int index) override
-    {
-        check(index);
-        return values[static_cast<std::size_t>(index)];
-    }
+    float getParameterValue(int index) override { return values.at(static_cast<std::size_t>(index)); }
 
     void setParameterValue(int index, float value, bool effectuateNow) override
     {
-        check(index);
-        values[static_cast<std::size_t>(index)] =
-            juce::jlimit(ranges[index].minimum, ranges[index].maximum, value);
+        const auto [low, high] = ranges.at(static_cast<std::size_t>(index));
+        values[static_cast<std::size_t>(index)] = std::clamp(value, low, high);
         pending = true;
         if (effectuateNow)
             effectuateParameterChanges();
@@ -85,11 +74,8 @@ public:
     int effectuations = 0;
 
 private:
-    static void check(int index)
-    {
-        if (index < 0 || index >= static_cast<int>(std::size(ranges)))
-            throw std::out_of_range("Parameter index");
-    }
+    static constexpr std::array<std::pair<float, float>, 4> ranges{
+        {{0.0f, 100.0f}, {20.0f, 20000.0f}, {0.0f, 1.0f}, {-48.0f, 18.0f}}};
 };
 
 /** Public parameters: 0 linear "Amount", 1 logarithmic "Corner", 2 switch "Freeze". Engine parameter 3 is hidden. */
@@ -101,25 +87,18 @@ public:
         : BasePlugInProcessor(std::make_shared<FakeEngine>(), bundle, name, 0x54455354, version),
           engine(static_cast<FakeEngine&>(*baseProcessor))
     {
-        using Description = ParameterDescription;
-        parameterDescriptions.add(
-            new Description(baseProcessor, 0, "Amount", "%", 0.1f, Description::linearMapping));
-        parameterDescriptions.add(
-            new Description(baseProcessor, 1, "Corner", "Hz", 1.0f, Description::logarithmicMapping));
-        parameterDescriptions.add(
-            new Description(baseProcessor, 2, "Freeze", "", 1.0f, Description::linearMapping));
+        const auto add = [this](auto... parts)
+        { parameterDescriptions.add(new ParameterDescription(baseProcessor, parts...)); };
+        add(0, "Amount", "%", 0.1f, ParameterDescription::linearMapping);
+        add(1, "Corner", "Hz", 1.0f, ParameterDescription::logarithmicMapping);
+        add(2, "Freeze", "", 1.0f, ParameterDescription::linearMapping);
     }
 
     bool hasEditor() const override { return true; }
 
     juce::AudioProcessorEditor* createEditor() override
     {
-        struct Editor : juce::AudioProcessorEditor
-        {
-            explicit Editor(TestPlugIn& owner) : juce::AudioProcessorEditor(owner) {}
-            ~Editor() override { processor.editorBeingDeleted(this); }
-        };
-        return new Editor(*this);
+        return new juce::GenericAudioProcessorEditor(*this);
     }
 
     bool fillCustomDataXmlElement(juce::XmlElement* element) override
