@@ -45,14 +45,27 @@ juce::Rectangle<int> boundsOf(const juce::Image& image, juce::Rectangle<int> are
     return found.getBounds();
 }
 
-inline bool isDark(juce::Colour colour) { return colour.getPerceivedBrightness() < 0.5f; }
-
 /** Largest difference of two colours in any channel. The renderer is exact within a few steps. */
 inline int difference(juce::Colour a, juce::Colour b)
 {
     return std::max({std::abs(a.getRed() - b.getRed()), std::abs(a.getGreen() - b.getGreen()),
                      std::abs(a.getBlue() - b.getBlue()), std::abs(a.getAlpha() - b.getAlpha())});
 }
+
+/** The pixels in which two pictures of one size differ by more than this in any channel. */
+inline juce::RectangleList<int> differences(const juce::Image& a, const juce::Image& b, int tolerance = 0)
+{
+    juce::RectangleList<int> found;
+    forEachPixel(a, a.getBounds(),
+                 [&](int x, int y, juce::Colour colour)
+                 {
+                     if (difference(colour, b.getPixelAt(x, y)) > tolerance)
+                         found.addWithoutMerging({x, y, 1, 1});
+                 });
+    return found;
+}
+
+inline bool isDark(juce::Colour colour) { return colour.getPerceivedBrightness() < 0.5f; }
 
 /** A drawing on transparent ground, that can be asked in the drawing's own units. */
 class Picture
