@@ -5,8 +5,7 @@
 
 #include "reverb/ParameterTable.h"
 #include "reverb/Reverberation.h"
-#include "tests/core/TestSignals.h"
-#include "tests/support/AudioMeasures.h"
+#include "tests/dsp/Measures.h"
 
 #include <initializer_list>
 #include <memory>
@@ -56,22 +55,10 @@ inline std::unique_ptr<Reverberation> makeEngine(int channels, double sampleRate
     return makeEngine(format, format, settings, blockSize);
 }
 
-/** The input as a stream of blocks of the given lengths, over and over. */
 inline Signal32 render(Reverberation& engine, const Signal32& input, const std::vector<int>& lengths = {512})
 {
-    Signal32 output(engine.outputFormat.numChannels, input.numSamples);
-    int position = 0;
-    for (std::size_t k = 0; position < input.numSamples; ++k)
-    {
-        const int length = std::min(lengths[k % lengths.size()], input.numSamples - position);
-        const Signal32 block = engine.process(slice(input, position, length), false);
-        EXPECT_EQ(block.numChannels, output.numChannels);
-        EXPECT_EQ(block.numSamples, length);
-        for (int c = 0; c < block.numChannels; ++c)
-            std::copy_n(block.getChannelPtr(c), length, output.getWriteChannelPtr(c) + position);
-        position += length;
-    }
-    return output;
+    return processInBlocks(input, lengths,
+                           [&](const Signal32& block) { return engine.process(block, false); });
 }
 
 /** Ones in the first sample of the given channels. */
