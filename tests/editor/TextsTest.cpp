@@ -11,17 +11,19 @@ class ThemeTexts : public WindowTest
 protected:
     ~ThemeTexts() override { juce::LocalisedStrings::setCurrentMappings(nullptr); }
 
-    static juce::File resources()
+    static juce::Array<juce::File> findResources(const char* folder)
     {
-        return juce::File::getCurrentWorkingDirectory().getChildFile(__FILE__).getChildFile(
-            "../../../resources");
+        const auto root =
+            juce::File::getCurrentWorkingDirectory().getChildFile(__FILE__).getChildFile("../../..");
+        return root.getChildFile("resources")
+            .getChildFile(folder)
+            .findChildFiles(juce::File::findFiles, true);
     }
 
-    void expectToFit(const juce::TextButton& button, const juce::String& text)
+    static void expectToFit(juce::TextButton& button, const juce::String& text)
     {
         constexpr float margins = 10.0f;
-        auto& look = button.getLookAndFeel();
-        auto font = look.getTextButtonFont(const_cast<juce::TextButton&>(button), button.getHeight());
+        const auto font = button.getLookAndFeel().getTextButtonFont(button, button.getHeight());
         EXPECT_LE(font.getStringWidthFloat(text), static_cast<float>(button.getWidth()) - margins) << text;
     }
 
@@ -62,7 +64,7 @@ protected:
 
 TEST_F(ThemeTexts, fitTheirBoxesInEveryLanguage)
 {
-    auto translations = resources().getChildFile("translations").findChildFiles(juce::File::findFiles, false);
+    auto translations = findResources("translations");
     EXPECT_GE(translations.size(), 7);
     translations.add({}); // English
 
@@ -96,8 +98,7 @@ TEST_F(ThemeTexts, fitTheirBoxesInEveryLanguage)
 TEST_F(ThemeTexts, presetsAndTitleFitTheHeader)
 {
     auto& name = findChild<juce::TextButton>(*header, "currentPresetButton");
-    const auto presets =
-        resources().getChildFile("presets").findChildFiles(juce::File::findFiles, true, "*.xml");
+    const auto presets = findResources("presets");
     EXPECT_GE(presets.size(), 20);
     for (const auto& preset : presets)
         expectToFit(name, preset.getFileNameWithoutExtension());
@@ -121,6 +122,33 @@ TEST_F(ThemeTexts, presetsAndTitleFitTheHeader)
 TEST_F(ThemeTexts, showInMenusTooltipsButtonsAndLabels)
 {
     window.reset();
+    const juce::Rectangle<int> area(200, 30);
+    using Draw = std::function<void(BaseTheme&, juce::Graphics&, const juce::String&)>;
+    const auto component = [&](auto make)
+    {
+        return [=](BaseTheme&, juce::Graphics& g, const juce::String& text)
+        {
+            auto shown = make(text);
+            shown->setSize(area.getWidth(), area.getHeight());
+            shown->paintEntireComponent(g, false);
+        };
+    };
+    const std::pair<const char*, Draw> places[] = {
+        {"menu", [&](auto& theme, auto& g, auto& text)
+         { theme.drawPopupMenuItem(g, area, false, true, false, false, false, text, {}, nullptr, nullptr); }},
+        {"section",
+         [&](auto& theme, auto& g, auto& text) { theme.drawPopupMenuSectionHeader(g, area, text); }},
+        {"tooltip", [&](auto& theme, auto& g, auto& text) { theme.drawTooltip(g, text, 200, 30); }},
+        {"button", component([](auto& text) { return std::make_unique<juce::TextButton>(text); })},
+        {"label", component([](auto& text) { return std::make_unique<juce::Label>(juce::String(), text); })},
+        {"combo box", component(
+                          [](auto& text)
+                          {
+                              auto box = std::make_unique<juce::ComboBox>();
+                              box->setText(text, juce::dontSendNotification);
+                              return box;
+                          })}};
+
     for (const std::string name : {"dark", "steel", "reverb"})
     {
         SCOPED_TRACE(name);
@@ -133,55 +161,18 @@ TEST_F(ThemeTexts, showInMenusTooltipsButtonsAndLabels)
         EXPECT_GT(measure(juce::Font(20.0f, juce::Font::bold)), 1.01f * measure(juce::Font(20.0f)));
         EXPECT_TRUE(name != "dark" || juce::Font(20.0f).getTypefacePtr()->getName() == "Roboto");
 
-        using Draw = std::function<void(juce::Graphics&, const juce::String&)>;
-        const auto ink = [](const Draw& draw)
+        for (const auto& [place, draw] : places)
         {
-            constexpr int width = 200, height = 30;
-            const auto render = [&](const juce::String& text)
+            const auto render = [&, &drawPlace = draw](const juce::String& text)
             {
-                return themeTest::draw(width, height,
+                return themeTest::draw(area.getWidth(), area.getHeight(),
                                        [&](auto& g)
                                        {
                                            g.fillAll(juce::Colours::grey);
-                                           draw(g, text);
+                                           drawPlace(*theme, g, text);
                                        });
             };
-            const auto blank = render(" "), written = render("Veskora");
-            int different = 0;
-            forEachPixel(blank, blank.getBounds(),
-                         [&](int x, int y, juce::Colour colour)
-                         { different += difference(colour, written.getPixelAt(x, y)) > 60 ? 1 : 0; });
-            return different;
-        };
-        const auto component = [](auto make)
-        {
-            return [make](juce::Graphics& g, const juce::String& text)
-            {
-                auto shown = make(text);
-                shown->setSize(200, 30);
-                shown->paintEntireComponent(g, false);
-            };
-        };
-        const juce::Rectangle<int> area(200, 30);
-        const std::pair<const char*, Draw> places[] = {
-            {"menu",
-             [&](auto& g, auto& text) {
-                 theme->drawPopupMenuItem(g, area, false, true, false, false, false, text, {}, nullptr,
-                                          nullptr);
-             }},
-            {"section", [&](auto& g, auto& text) { theme->drawPopupMenuSectionHeader(g, area, text); }},
-            {"tooltip", [&](auto& g, auto& text) { theme->drawTooltip(g, text, 200, 30); }},
-            {"button", component([](auto& text) { return std::make_unique<juce::TextButton>(text); })},
-            {"label",
-             component([](auto& text) { return std::make_unique<juce::Label>(juce::String(), text); })},
-            {"combo box", component(
-                              [](auto& text)
-                              {
-                                  auto box = std::make_unique<juce::ComboBox>();
-                                  box->setText(text, juce::dontSendNotification);
-                                  return box;
-                              })}};
-        for (const auto& [place, draw] : places)
-            EXPECT_GT(ink(draw), 50) << place;
+            EXPECT_GT(differences(render(" "), render("Veskora"), 60).getNumRectangles(), 50) << place;
+        }
     }
 }

@@ -39,6 +39,7 @@ public:
     }
 
     BaseTheme* operator->() const { return theme.get(); }
+    BaseTheme& operator*() const { return *theme; }
 
 private:
     const std::unique_ptr<BaseTheme> theme;

@@ -1,4 +1,4 @@
-// What the themes draw but for sliders, measured in rendered pictures, and what they answer.
+// What the themes draw, measured in rendered pictures: where things are, how large, in which colour.
 
 #include "editor/IconButton.h"
 #include "tests/editor/ThemePictures.h"
@@ -8,92 +8,151 @@ namespace
 
 using namespace themeTest;
 
+constexpr const char* themeNames[] = {"dark", "steel", "reverb"};
+
+/** The default angles of the library's knobs, in radians clockwise from the top. */
+constexpr double knobStart = 1.2 * juce::MathConstants<double>::pi;
+constexpr double knobEnd = 2.8 * juce::MathConstants<double>::pi;
+
+/** The colour on a knob at an angle and a distance from the centre. */
+Colour onKnob(const juce::Image& image, double angle, double distance)
+{
+    return image.getPixelAt(juce::roundToInt(image.getWidth() * 0.5 + std::sin(angle) * distance - 0.5),
+                            juce::roundToInt(image.getHeight() * 0.5 - std::cos(angle) * distance - 0.5));
+}
+
+/** Distance from the centre at which the alpha last reaches half of what the ring has. */
+double outerEdge(const juce::Image& image, double angle, double nearby)
+{
+    const int half = onKnob(image, angle, nearby - 4).getAlpha() / 2;
+    double distance = nearby + 4;
+    while (distance > 0 && onKnob(image, angle, distance).getAlpha() < half)
+        distance -= 0.25;
+    return distance;
+}
+
+juce::Image renderSlider(juce::Slider::SliderStyle style, int width, int height, double value,
+                         bool isEnabled = true)
+{
+    juce::Slider slider(style, juce::Slider::NoTextBox);
+    slider.setSize(width, height);
+    slider.setRange(0.0, 1.0);
+    slider.setValue(value, juce::dontSendNotification);
+    slider.setEnabled(isEnabled);
+    return render(slider);
+}
+
+TEST(Themes, KnobHasItsRingFilledUpToTheValueAndItsPointerThere)
+{
+    struct Row
+    {
+        const char* theme;
+        double innerProportion;
+        Colour fill, rest;
+        double pointerProportion; ///< of the ring's outer radius
+        bool isPointerAlwaysThere;
+    };
+    const Row rows[] = {
+        {"reverb", 0.9, Colour(0xb3d27900), Colour(0x1a000000), 0.6, true},
+        {"steel", 0.7, Colour(0xb3d2691e), Colour(0x1a000000), 0.45, true},
+        {"dark", 0.8, Colour(0xb3eeac18), Colour(0x20000000), 0.5, false},
+    };
+    for (const auto& row : rows)
+        for (const double value : {0.2, 0.5, 0.9})
+            for (const bool isEnabled : {true, false})
+            {
+                SCOPED_TRACE(std::string(row.theme) + " at " + std::to_string(value));
+                const ThemeInUse theme(row.theme);
+                const auto image = renderSlider(juce::Slider::RotaryVerticalDrag, 640, 280, value, isEnabled);
+
+                const double radius = 280 / 2 - 2, inner = radius * row.innerProportion;
+                const double angle = knobStart + value * (knobEnd - knobStart);
+                const auto fill = isEnabled ? row.fill : Colour(0x80808080);
+                EXPECT_NEAR(outerEdge(image, angle - 0.1, radius), radius, 1.0);
+
+                // The rim of a face may reach into the ring.
+                for (const double distance : {inner + 4, radius - 2})
+                {
+                    EXPECT_TRUE(isNear(onKnob(image, knobStart + 0.03, distance), fill));
+                    EXPECT_TRUE(isNear(onKnob(image, angle - 0.03, distance), fill));
+                    EXPECT_TRUE(isNear(onKnob(image, angle + 0.03, distance), row.rest));
+                    EXPECT_TRUE(isNear(onKnob(image, knobEnd - 0.03, distance), row.rest));
+                }
+                EXPECT_EQ(onKnob(image, juce::MathConstants<double>::pi, radius - 2).getAlpha(), 0);
+
+                const auto pointer = onKnob(image, angle, row.pointerProportion * radius);
+                const auto elsewhere = onKnob(image, angle + 1.0, row.pointerProportion * radius);
+                EXPECT_EQ(isNear(pointer, elsewhere, 40), !isEnabled && !row.isPointerAlwaysThere)
+                    << isEnabled;
+            }
+}
+
+TEST(Themes, DarkFaderIsFilledFromItsLowEnd)
+{
+    const ThemeInUse theme("dark");
+    const auto isAmber = [](Colour colour)
+    { return colour.getRed() > colour.getBlue() + 80 && colour.getAlpha() > 170; };
+
+    const auto horizontal = renderSlider(juce::Slider::LinearHorizontal, 200, 32, 0.5);
+    EXPECT_TRUE(isAmber(horizontal.getPixelAt(40, 16)));
+    EXPECT_FALSE(isAmber(horizontal.getPixelAt(160, 16)));
+    EXPECT_GT(horizontal.getPixelAt(160, 11).getAlpha(), horizontal.getPixelAt(160, 21).getAlpha());
+
+    const auto vertical = renderSlider(juce::Slider::LinearVertical, 32, 200, 0.5);
+    EXPECT_TRUE(isAmber(vertical.getPixelAt(16, 160)));
+    EXPECT_FALSE(isAmber(vertical.getPixelAt(16, 40)));
+}
+
 TEST(Themes, ButtonsAnswerToTheMouseAndJoinTheirNeighbours)
 {
-    for (const std::string name : {"dark", "steel", "reverb"})
+    for (const auto* name : themeNames)
     {
         SCOPED_TRACE(name);
         const ThemeInUse theme(name);
         juce::TextButton button;
         button.setSize(60, 24);
-
-        const auto middle = [&](juce::Button::ButtonState state)
+        const auto renderIn = [&](juce::Button::ButtonState state)
         {
             button.setState(state);
-            return render(button).getPixelAt(30, 12).getPerceivedBrightness();
+            return render(button);
         };
-        const float normal = middle(juce::Button::buttonNormal);
-        const float over = middle(juce::Button::buttonOver);
-        EXPECT_GT(normal, over + 0.03f);
+        const auto normal = renderIn(juce::Button::buttonNormal), over = renderIn(juce::Button::buttonOver),
+                   down = renderIn(juce::Button::buttonDown);
+        const auto middle = [](const juce::Image& image)
+        { return image.getPixelAt(30, 12).getPerceivedBrightness(); };
+        // Light falls from the top left: a raised button is dense at the bottom right, an engraved one at the
+        // top left.
+        const auto leaning = [](const juce::Image& image)
+        { return image.getPixelAt(57, 21).getAlpha() - image.getPixelAt(2, 2).getAlpha(); };
 
-        // A pressed button of steel is engraved, with another alpha in the middle.
-        if (name != "steel")
-        {
-            EXPECT_GT(over, middle(juce::Button::buttonDown) + 0.03f);
-        }
-
-        button.setState(juce::Button::buttonNormal);
         button.setConnectedEdges(juce::Button::ConnectedOnRight);
-        const auto image = render(button);
-        EXPECT_LT(image.getPixelAt(0, 0).getAlpha(), 60);
-
-        // The joint is straight; a button of steel only comes closer.
-        if (name == "steel")
+        const auto joined = renderIn(juce::Button::buttonNormal);
+        EXPECT_GT(middle(normal), middle(over) + 0.03f);
+        EXPECT_LT(joined.getPixelAt(0, 0).getAlpha(), 60);
+        if (name == std::string("steel"))
         {
-            EXPECT_GT(image.getPixelAt(59, 12).getAlpha(), image.getPixelAt(0, 12).getAlpha() + 20);
+            EXPECT_GT(leaning(normal), 60);
+            EXPECT_LT(leaning(down), -60);
+            EXPECT_GT(joined.getPixelAt(59, 12).getAlpha(), joined.getPixelAt(0, 12).getAlpha() + 20);
         }
         else
         {
-            EXPECT_GT(image.getPixelAt(59, 0).getAlpha(), 100);
-            EXPECT_GT(image.getPixelAt(59, 23).getAlpha(), 100);
+            EXPECT_GT(middle(over), middle(down) + 0.03f);
+            EXPECT_GT(joined.getPixelAt(59, 0).getAlpha(), 100);
+            EXPECT_GT(joined.getPixelAt(59, 23).getAlpha(), 100);
         }
-    }
-}
-
-TEST(Themes, ButtonFaces)
-{
-    juce::TextButton button;
-    button.setSize(60, 24);
-
-    {
-        const ThemeInUse theme("reverb");
-        const auto image = render(button);
-        EXPECT_TRUE(isNear(image.getPixelAt(30, 12), juce::Colours::white));
-        EXPECT_LT(image.getPixelAt(30, 0).getBrightness(), 0.5f); // the outline
-        EXPECT_LT(image.getPixelAt(3, 3).getBrightness(), 0.99f); // the corner of radius 10 cuts this
-    }
-    {
-        const ThemeInUse theme("dark");
-        const auto image = render(button);
-        const auto face = Colour(0xffc3c6cc).withMultipliedSaturation(0.9f);
-        const float contrast = 24.0f / 160.0f + 1.0f;
-        EXPECT_TRUE(isNear(image.getPixelAt(30, 1), face.withMultipliedBrightness(contrast), 4));
-        EXPECT_TRUE(isNear(image.getPixelAt(30, 22), face.withMultipliedBrightness(1.0f / contrast), 4));
-    }
-    {
-        // Light falls from the top left: a raised button is dense at the bottom right, a pressed one at the
-        // top left.
-        const ThemeInUse theme("steel");
-        const auto leaning = [&]
+        if (name == std::string("reverb"))
         {
-            const auto image = render(button);
-            return image.getPixelAt(57, 21).getAlpha() - image.getPixelAt(2, 2).getAlpha();
-        };
-        EXPECT_GT(leaning(), 60);
-        button.setState(juce::Button::buttonDown);
-        EXPECT_LT(leaning(), -60);
+            EXPECT_TRUE(isNear(normal.getPixelAt(30, 12), juce::Colours::white));
+            EXPECT_LT(normal.getPixelAt(30, 0).getBrightness(), 0.5f) << "the outline";
+            EXPECT_LT(normal.getPixelAt(3, 3).getBrightness(), 0.99f) << "the corner of radius 10 cuts this";
+        }
     }
 }
 
 TEST(Themes, TicksAreDiscsInRadioButtonsAndSquaresElsewhere)
 {
-    struct Row
-    {
-        const char* theme;
-        float boxOfWidth;
-    };
-
-    for (const auto& [name, boxOfWidth] : {Row{"dark", 0.9f}, Row{"steel", 0.8f}, Row{"reverb", 0.8f}})
+    for (const auto& [name, boxOfWidth] : {std::pair{"dark", 0.9f}, {"steel", 0.8f}, {"reverb", 0.8f}})
         for (const bool isRadio : {false, true})
         {
             SCOPED_TRACE(std::string(name) + (isRadio ? " radio" : ""));
@@ -127,107 +186,29 @@ TEST(Themes, TicksAreDiscsInRadioButtonsAndSquaresElsewhere)
         }
 }
 
-TEST(Themes, Headers)
+TEST(Themes, TitleStandsAt120AndIsAsWideAsTold)
 {
-    const auto renderHeader = [](const ThemeInUse& theme, const juce::String& title)
-    { return draw(640, 40, [&](auto& g) { theme->paintHeaderBackground(g, 640, 40, title); }); };
-
-    for (const std::string name : {"dark", "steel", "reverb"})
+    for (const auto* name : themeNames)
     {
-        SCOPED_TRACE(name);
         const ThemeInUse theme(name);
-        const auto plain = renderHeader(theme, {}), titled = renderHeader(theme, "Ambrel");
+        const auto renderHeader = [&](const juce::String& title)
+        { return draw(640, 40, [&](auto& g) { theme->paintHeaderBackground(g, 640, 40, title); }); };
 
-        int first = 640, last = 0;
-        forEachPixel(plain, plain.getBounds(),
-                     [&](int x, int y, Colour colour)
-                     {
-                         if (difference(colour, titled.getPixelAt(x, y)) > 60)
-                         {
-                             first = juce::jmin(first, x);
-                             last = juce::jmax(last, x);
-                         }
-                     });
-
-        EXPECT_NEAR(first, 120, 3);
-        EXPECT_NEAR(last + 1, 120 + theme->getTitleWidth("Ambrel"), 3.0);
-    }
-
-    const auto dark = renderHeader(ThemeInUse("dark"), {});
-    EXPECT_GT(dark.getPixelAt(108, 20).getBrightness(), 0.8f); // within the tip of the logo's plate
-    EXPECT_LT(dark.getPixelAt(108, 3).getBrightness(), 0.4f);  // above it
-    EXPECT_TRUE(isNear(dark.getPixelAt(300, 0), Colour(0xff454954)));
-    EXPECT_TRUE(isNear(dark.getPixelAt(300, 39), Colour(0xff454954).withMultipliedBrightness(0.9f)));
-    EXPECT_TRUE(isNear(renderHeader(ThemeInUse("reverb"), {}).getPixelAt(639, 39), Colour(0xffdfe1db), 0));
-}
-
-TEST(Themes, Colours)
-{
-    struct Row
-    {
-        int id;
-        juce::uint32 dark, steel, reverb;
-    };
-
-    const Row rows[] = {
-        {0x1000281, 0xffffffff, 0xff000000, 0xff000000}, {0x1001300, 0xffc3c6cc, 0xffd2691e, 0xffd27900},
-        {0x1001311, 0xffeeac18, 0xffd2691e, 0xffd27900}, {0x1001500, 0xffc3c6cc, 0x60ffffff, 0x60ffffff},
-        {0x1001600, 0xffeeac18, 0xffffac63, 0xffffac63}, {0x1001700, 0x33c3c6cc, 0x20000000, 0x20000000},
-        {0x1000100, 0xffc3c6cc, 0xffffffff, 0xffffffff}, {0x1000101, 0xffeeac18, 0xffffda73, 0xffd27900},
-        {0x1000d00, 0xffeeac18, 0xffffffff, 0xffffffff}, {0x1000900, 0xffeeac18, 0xffd2691e, 0xffd2691e},
-        {0x1000700, 0xff31343c, 0xffffffff, 0xffffffff}, {0x1000202, 0xffeeac18, 0xfff4a460, 0xfff4a460},
-        {0x1000300, 0x26ffffff, 0x00000000, 0x00000000}, {0x2001302, 0xff4d4d4d, 0x26000000, 0x26000000},
-        {0x2001301, 0xff4d4d4d, 0xff828282, 0xff828282}, {0x2001401, 0x26eeac18, 0x00000000, 0x00000000},
-    };
-
-    const DarkTheme dark;
-    const SteelTheme steel;
-    const ReverbTheme reverb;
-
-    for (const auto& row : rows)
-    {
-        SCOPED_TRACE(juce::String::toHexString(row.id).toStdString());
-        EXPECT_TRUE(isNear(dark.findColour(row.id), Colour(row.dark), 1));
-        EXPECT_TRUE(isNear(steel.findColour(row.id), Colour(row.steel), 1));
-        EXPECT_TRUE(isNear(reverb.findColour(row.id), Colour(row.reverb), 1));
+        const auto ink = differences(renderHeader({}), renderHeader("Ambrel"), 60).getBounds();
+        EXPECT_NEAR(ink.getX(), 120, 3) << name;
+        EXPECT_NEAR(ink.getRight(), 120 + theme->getTitleWidth("Ambrel"), 3.0) << name;
     }
 }
 
-TEST(Themes, DarkScrollBarKeepsItsThumbOffTheEdges)
-{
-    const ThemeInUse theme("dark");
-    juce::ScrollBar bar(true);
-    const auto renderBar = [&](bool isVertical, int width, int height)
-    {
-        return draw(width, height,
-                    [&](auto& g)
-                    { theme->drawScrollbar(g, bar, 0, 0, width, height, isVertical, 50, 40, false, false); });
-    };
-    const auto isThumb = [](Colour colour) { return colour.getAlpha() == 255; };
-
-    for (const bool isVertical : {true, false})
-    {
-        const auto image = isVertical ? renderBar(true, 20, 200) : renderBar(false, 200, 20);
-        const auto at = [&](int along, int across)
-        { return isVertical ? image.getPixelAt(across, along) : image.getPixelAt(along, across); };
-
-        EXPECT_TRUE(isThumb(at(54, 4)) && isThumb(at(85, 14)));
-        EXPECT_FALSE(isThumb(at(53, 4)) || isThumb(at(86, 14)) || isThumb(at(60, 3)) || isThumb(at(60, 15)));
-    }
-}
-
-TEST(Themes, DarkWindowButtons)
+TEST(Themes, DarkWindowButtonsAreGlyphsAlone)
 {
     DarkTheme theme;
-
-    for (const auto& [type, name] :
-         {std::pair{1, "minimize"}, std::pair{2, "maximize"}, std::pair{4, "close"}})
+    for (const auto& [type, name] : {std::pair{1, "minimize"}, {2, "maximize"}, {4, "close"}})
     {
         const std::unique_ptr<juce::Button> button(theme.createDocumentWindowButton(type));
         ASSERT_NE(dynamic_cast<IconButton*>(button.get()), nullptr) << name;
         EXPECT_EQ(button->getName(), juce::String(name));
 
-        // A glyph in light grey, and no button behind it.
         button->setLookAndFeel(&theme);
         button->setSize(24, 24);
         const auto image = render(*button);
@@ -236,7 +217,6 @@ TEST(Themes, DarkWindowButtons)
         EXPECT_GT(count(image, image.getBounds(), isGrey), 3) << name;
         button->setLookAndFeel(nullptr);
     }
-
     EXPECT_EQ(theme.createDocumentWindowButton(3), nullptr);
 }
 
