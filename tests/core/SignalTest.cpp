@@ -1,11 +1,11 @@
 #include "core/Signal.h"
-#include "core/kernels.h"
 #include "tests/core/TestSignals.h"
 
 #include <gtest/gtest.h>
 
 #include <complex>
 #include <cstdint>
+#include <functional>
 #include <set>
 
 namespace vesk::audio
@@ -13,8 +13,9 @@ namespace vesk::audio
 namespace
 {
 
-using test::makeSignal;
-using test::toVector;
+using test::makeNoiseSignal;
+using test::slice;
+using test::toVectors;
 
 template <typename T>
 class SignalOf : public testing::Test
@@ -63,34 +64,25 @@ TYPED_TEST(SignalOf, ChannelsAreSeparateAlignedBlocks)
         }
 }
 
-TYPED_TEST(SignalOf, WritingToACopyClonesAllOfIt)
+TYPED_TEST(SignalOf, WritingClonesAllOfItWhileThereAreOtherOwners)
 {
     for (const int written : {0, 1})
     {
-        const auto source = this->makeCounting(100);
-        auto copy = source;
-        EXPECT_EQ(copy.data, source.data) << "copying shares";
-
-        copy.getWriteChannelPtr(written)[50] = TypeParam(-1.0f);
-        const auto own = copy.data;
-        EXPECT_NE(own, source.data);
-        EXPECT_EQ(source.data.use_count(), 1);
-        EXPECT_TRUE(this->isCounting(source, 0, 100) && this->isCounting(source, 1, 100));
-        EXPECT_EQ(copy.getChannelPtr(written)[50], TypeParam(-1.0f));
-        EXPECT_TRUE(this->isCounting(copy, 1 - written, 100)) << "the other channel came along";
-        EXPECT_TRUE(this->isCounting(copy, written, 50));
+        auto source = this->makeCounting(100);
+        const auto* block = source.getChannelPtr(written);
+        {
+            auto copy = source;
+            EXPECT_EQ(std::as_const(copy).getChannelPtr(written), block) << "copying and reading share";
+            copy.getWriteChannelPtr(written)[50] = TypeParam(-1.0f);
+            EXPECT_EQ(source.data.use_count(), 1);
+            EXPECT_TRUE(this->isCounting(source, 0, 100) && this->isCounting(source, 1, 100));
+            EXPECT_EQ(copy.getChannelPtr(written)[50], TypeParam(-1.0f));
+            EXPECT_TRUE(this->isCounting(copy, 1 - written, 100)) << "the other channel came along";
+            EXPECT_TRUE(this->isCounting(copy, written, 50));
+            copy = source;
+        }
+        EXPECT_EQ(source.getWriteChannelPtr(written), block) << "the copy is gone again";
     }
-}
-
-TYPED_TEST(SignalOf, ASoleOwnerWritesInPlace)
-{
-    auto signal = this->makeCounting(64);
-    const auto* before = signal.getChannelPtr(1);
-    {
-        auto copy = signal;
-        EXPECT_EQ(copy.getChannelPtr(1), before) << "reading never clones";
-    }
-    EXPECT_EQ(signal.getWriteChannelPtr(1), before) << "the copy is gone again";
 }
 
 TYPED_TEST(SignalOf, EnsureDimensionsWithinTheAllocationMovesTheWindowOnly)
@@ -110,107 +102,97 @@ TYPED_TEST(SignalOf, EnsureDimensionsWithinTheAllocationMovesTheWindowOnly)
     EXPECT_EQ(signal.getChannelPtr(1), block);
     EXPECT_TRUE(this->isCounting(signal, 0, 100) && this->isCounting(signal, 1, 100));
 
-    auto wider = signal, longer = signal;
-    wider.ensureDimensions(3, 1);
-    EXPECT_NE(wider.data, signal.data);
-    EXPECT_EQ(wider.data->numSamples, 1);
-    longer.ensureDimensions(1, 101);
-    EXPECT_NE(longer.data, signal.data);
-    EXPECT_EQ(longer.data->numChannels, 1);
-
-    Signal<TypeParam> fresh;
-    fresh.ensureDimensions(2, 7);
-    EXPECT_EQ(fresh.data->numSamples, 7);
+    for (const auto& [channels, samples] : {std::pair(3, 1), {1, 101}})
+        for (auto larger : {signal, Signal<TypeParam>()})
+        {
+            larger.ensureDimensions(channels, samples);
+            EXPECT_NE(larger.data, signal.data);
+            EXPECT_EQ(larger.data->numChannels, channels);
+            EXPECT_EQ(larger.data->numSamples, samples);
+        }
 }
 
 TEST(Signal, FilledAndEmptySignals)
 {
-    const Signal32 filled(3, 37, 0.25f);
-    for (int c = 0; c < 3; ++c)
-        EXPECT_EQ(toVector(filled, c), std::vector<float>(37, 0.25f));
+    EXPECT_EQ(toVectors(Signal32(3, 37, 0.25f)),
+              std::vector<std::vector<float>>(3, std::vector<float>(37, 0.25f)));
     EXPECT_EQ(Signal64(1, 5, 0.1).getChannelPtr(0)[4], 0.1);
-
-    const Signal32 none(2, 0, 1.0f);
-    EXPECT_EQ(none.numChannels, 2);
-    EXPECT_EQ(none.getChannelPtr(1), nullptr);
-
-    EXPECT_EQ(Signal32::empty.numChannels + Signal32::empty.numSamples, 0);
     EXPECT_TRUE(Signal32::empty.data == nullptr && Signal64::empty.data == nullptr &&
                 ComplexSignal32::empty.data == nullptr && ComplexSignal64::empty.data == nullptr);
-}
 
-TEST(Signal, OperatorsOnNoSamplesDoNothing)
-{
-    Signal32 none(2, 0);
+    Signal32 none(2, 0, 1.0f);
+    EXPECT_EQ(none.getChannelPtr(1), nullptr);
     EXPECT_NO_THROW(none *= 2.0f);
     EXPECT_NO_THROW(none += none);
-    EXPECT_EQ((none + none).numChannels, 2);
-    EXPECT_EQ((none * none).numSamples, 0);
-    EXPECT_EQ((2.0f * none).numSamples, 0);
-    EXPECT_EQ(none.toSignal64().toSignal32().numChannels, 2);
-    EXPECT_EQ(ComplexSignal32(none, none).numSamples, 0);
-    EXPECT_EQ(Signal32::concatenate(none, none).numSamples, 0);
     EXPECT_NO_THROW(Signal32::empty + Signal32::empty);
+    EXPECT_EQ(ComplexSignal32(none, none).numSamples, 0);
+    for (const Signal32& result :
+         {Signal32(none + none), Signal32(none * none), Signal32(2.0f * none), none.toSignal64().toSignal32(),
+          Signal32(Signal32::concatenate(none, none))})
+    {
+        EXPECT_EQ(result.numChannels, 2);
+        EXPECT_EQ(result.numSamples, 0);
+    }
 }
 
 TEST(Signal, ArithmeticLeavesOperandsAndSharersAlone)
 {
-    const auto a = makeSignal({{1, 2, 3}, {-4, 5, -6}}), b = makeSignal({{10, 20, 30}, {0.5f, 0, 2}});
-    const auto expectChannels =
-        [](const Signal<float>& signal, std::vector<float> first, std::vector<float> second)
+    const auto a = makeNoiseSignal(2, 37, 1), b = makeNoiseSignal(2, 37, 2);
+    const auto originals = std::pair(toVectors(a), toVectors(b));
+    const auto expect = [&](const Signal<float>& result, auto operation)
     {
-        EXPECT_EQ(toVector(signal, 0), first);
-        EXPECT_EQ(toVector(signal, 1), second);
+        for (int c = 0; c < result.numChannels; ++c)
+            for (int i = 0; i < result.numSamples; ++i)
+                ASSERT_EQ(result.getChannelPtr(c)[i],
+                          operation(a.getChannelPtr(c)[i], b.getChannelPtr(c)[i]));
     };
-    expectChannels(a + b, {11, 22, 33}, {-3.5f, 5, -4});
-    expectChannels(a * b, {10, 40, 90}, {-2, 0, -12});
-    expectChannels(-2.0f * a, {-2, -4, -6}, {8, -10, 12});
+    const auto sum = [](float x, float y) { return x + y; };
+    expect(a + b, sum);
+    expect(a * b, [](float x, float y) { return x * y; });
+    expect(-2.0f * a, [](float x, float) { return -2.0f * x; });
 
     auto changed = a; // shares its memory, and is cloned in the middle of the operation
     changed += b;
-    expectChannels(changed, {11, 22, 33}, {-3.5f, 5, -4});
+    expect(changed, sum);
+    changed = a;
     changed += changed;
-    expectChannels(changed, {22, 44, 66}, {-7, 10, -8});
-    auto scaled = a;
-    scaled *= 0.5f;
-    expectChannels(scaled, {0.5f, 1, 1.5f}, {-2, 2.5f, -3});
-    expectChannels(a, {1, 2, 3}, {-4, 5, -6});
+    expect(changed, [](float x, float) { return x + x; });
+    changed = a;
+    changed *= 0.5f;
+    expect(changed, [](float x, float) { return 0.5f * x; });
 
-    auto window = b; // the left operand's size decides
+    auto window = a; // the left operand's size decides
     window.ensureDimensions(1, 2);
-    EXPECT_EQ(toVector(window + a, 0), (std::vector<float>{11, 22}));
+    expect(window + b, sum);
+    EXPECT_EQ((window + b).numSamples, 2);
+    EXPECT_EQ(std::pair(toVectors(a), toVectors(b)), originals);
 }
 
 TEST(Signal, ConcatenateJoinsInTime)
 {
-    const auto a = makeSignal({{1, 2}, {3, 4}}), b = makeSignal({{5}, {6}});
-    const Signal32 none(2, 0);
-    EXPECT_EQ(toVector(Signal32::concatenate(a, b), 0), (std::vector<float>{1, 2, 5}));
-    EXPECT_EQ(toVector(Signal32::concatenate(a, b), 1), (std::vector<float>{3, 4, 6}));
-    EXPECT_EQ(toVector(Signal32::concatenate(a, none), 1), (std::vector<float>{3, 4}));
-    EXPECT_EQ(toVector(Signal32::concatenate(none, b), 1), (std::vector<float>{6}));
-    EXPECT_NE(Signal32::concatenate(a, none).data, a.data);
+    const auto whole = makeNoiseSignal(2, 5, 1);
+    for (const int cut : {0, 1, 4, 5})
+    {
+        const Signal32 joined = Signal32::concatenate(slice(whole, 0, cut), slice(whole, cut, 5 - cut));
+        EXPECT_EQ(toVectors(joined), toVectors(whole)) << cut;
+    }
+    EXPECT_NE(Signal32::concatenate(whole, Signal32(2, 0)).data, whole.data);
 }
 
 TEST(Signal, Conversions)
 {
-    const auto signal = makeSignal({{0.1f, -1e-30f}, {3e38f, 0.0f}});
+    const auto signal = makeNoiseSignal(2, 37, 1), phase = makeNoiseSignal(2, 37, 2);
     const Signal64 wide = signal.toSignal64();
-    EXPECT_EQ(wide.getChannelPtr(0)[0], static_cast<double>(0.1f));
-    EXPECT_EQ(toVector(wide.toSignal32(), 0), toVector(signal, 0));
-    EXPECT_EQ(toVector(wide.toSignal32(), 1), toVector(signal, 1));
-    EXPECT_EQ(Signal64(1, 1, 1.0 + 0x1.8p-24).toSignal32().getChannelPtr(0)[0], 1.0f + 0x1p-23f)
-        << "to nearest";
-
-    const auto magnitude = makeSignal({{2, 3}, {1, 0}}), phase = makeSignal({{0, 1.5707964f}, {-0.5f, 9}});
-    const ComplexSignal32 polar(magnitude, phase);
+    EXPECT_EQ(toVectors(wide.toSignal32()), toVectors(signal));
+    const ComplexSignal32 polar(signal, phase);
     for (int c = 0; c < 2; ++c)
-        for (int i = 0; i < 2; ++i)
+        for (int i = 0; i < 37; ++i)
         {
-            const auto expected = std::polar(static_cast<double>(magnitude.getChannelPtr(c)[i]),
-                                             static_cast<double>(phase.getChannelPtr(c)[i]));
-            EXPECT_NEAR(polar.getChannelPtr(c)[i].real(), expected.real(), 1e-6);
-            EXPECT_NEAR(polar.getChannelPtr(c)[i].imag(), expected.imag(), 1e-6);
+            const auto value = static_cast<double>(signal.getChannelPtr(c)[i]);
+            const auto angle = static_cast<double>(phase.getChannelPtr(c)[i]);
+            EXPECT_EQ(wide.getChannelPtr(c)[i], value);
+            EXPECT_NEAR(polar.getChannelPtr(c)[i].real(), value * std::cos(angle), 1e-6);
+            EXPECT_NEAR(polar.getChannelPtr(c)[i].imag(), value * std::sin(angle), 1e-6);
         }
 }
 
