@@ -6,7 +6,7 @@
 #include "tools/render/Quantiser.h"
 
 #include <cstdint>
-#include <functional>
+#include <limits>
 
 namespace ambrel::render::test
 {
@@ -14,24 +14,9 @@ namespace ambrel::render::test
 namespace
 {
 
-juce::AudioBuffer<float> readInBlocks(AudioFileReader& file, int blockSize, int total)
-{
-    juce::AudioBuffer<float> whole(file.getNumChannels(), total);
-    juce::AudioBuffer<float> block(file.getNumChannels(), blockSize);
-
-    for (int start = 0; start < total; start += blockSize)
-    {
-        file.read(block);
-        for (int channel = 0; channel < whole.getNumChannels(); ++channel)
-            whole.copyFrom(channel, start, block, channel, 0, std::min(blockSize, total - start));
-    }
-    return whole;
-}
-
 float largestDifference(const juce::AudioBuffer<float>& a, const juce::AudioBuffer<float>& b, int samples)
 {
     float largest = 0.0f;
-
     for (int channel = 0; channel < a.getNumChannels(); ++channel)
         for (int i = 0; i < samples; ++i)
             largest = std::max(largest, std::abs(a.getSample(channel, i) - b.getSample(channel, i)));
@@ -69,55 +54,55 @@ TEST(AudioFileReader, readsEveryFormatInBlocksAndThenSilence)
         int bits;
         float tolerance;
     };
-
     const Row rows[] = {{"a.wav", 1, 8, 0.008f},    {"a.wav", 2, 16, 3.1e-5f},  {"a.wav", 2, 24, 1e-6f},
                         {"a.wav", 1, 32, 0.0f},     {"a.aiff", 2, 16, 3.1e-5f}, {"a.aiff", 1, 24, 1e-6f},
                         {"a.flac", 2, 16, 3.1e-5f}, {"a.flac", 1, 24, 1e-6f},   {"a.ogg", 2, 32, 0.15f}};
     constexpr int length = 10000;
-
+    constexpr int blockSize = 768;
     for (const Row& row : rows)
     {
+        SCOPED_TRACE(row.name + std::to_string(row.bits));
         const TestFolder folder;
         const auto sine = createSine(row.channels, length, 997.0, 44100.0);
         AudioFileReader file(writeAudio(folder.path(row.name), sine, 44100.0, row.bits));
+        EXPECT_EQ(file.getNumChannels(), row.channels);
+        EXPECT_EQ(file.getSampleRate(), 44100.0);
+        ASSERT_EQ(file.getNumSamples(), length);
 
-        EXPECT_EQ(file.getNumChannels(), row.channels) << row.name;
-        EXPECT_EQ(file.getSampleRate(), 44100.0) << row.name;
-        ASSERT_EQ(file.getNumSamples(), length) << row.name;
-
-        const auto whole = readInBlocks(file, 768, length + 1000);
-        EXPECT_LE(largestDifference(sine, whole, length), row.tolerance)
-            << row.name << ", " << row.bits << " bits";
-        EXPECT_EQ(whole.getMagnitude(length, 1000), 0.0f) << row.name;
+        juce::AudioBuffer<float> block(row.channels, blockSize);
+        juce::AudioBuffer<float> whole(row.channels, 15 * blockSize);
+        for (int start = 0; start < whole.getNumSamples(); start += blockSize)
+        {
+            file.read(block);
+            for (int channel = 0; channel < row.channels; ++channel)
+                whole.copyFrom(channel, start, block, channel, 0, blockSize);
+        }
+        EXPECT_LE(largestDifference(sine, whole, length), row.tolerance);
+        EXPECT_EQ(whole.getMagnitude(length, whole.getNumSamples() - length), 0.0f);
     }
 }
 
 TEST(AudioFileReader, refusesWhatCannotBeReadWithTheReason)
 {
     const TestFolder folder;
-    const std::string flac = folder.path("whole.flac");
-    const std::string ogg = folder.path("whole.ogg");
-    writeAudio(flac, createNoise(2, 20000), 48000.0, 16);
-    writeAudio(ogg, createNoise(2, 100000), 48000.0, 32);
-
-    std::string hurtFlac = folder.read("whole.flac");
-    std::string hurtOgg = folder.read("whole.ogg");
-    for (std::size_t i = 0; i < 200; ++i)
+    const std::string flac = writeAudio(folder.path("whole.flac"), createNoise(2, 20000), 48000.0, 16);
+    const std::string ogg = writeAudio(folder.path("whole.ogg"), createNoise(2, 100000), 48000.0, 32);
+    const auto hurt = [&](const char* name)
     {
-        hurtFlac[hurtFlac.size() / 2 + i] ^= 0x5a;
-        hurtOgg[hurtOgg.size() / 2 + i] ^= 0x5a;
-    }
-
+        std::string content = folder.read(name);
+        for (std::size_t i = 0; i < 200; ++i)
+            content[content.size() / 2 + i] ^= 0x5a;
+        return content;
+    };
+    const std::string wholeFlac = folder.read("whole.flac");
     const std::string samples(2000, '\1');
     const std::string notANumber = number(0x7fc00000, 4) + number(0x3f000000, 4);
-
     struct Row
     {
         const char* name;
         std::string content;
         std::string reason;
     };
-
     const Row rows[] = {
         {"empty.wav", "", "is empty"},
         {"text.wav", "no audio at all, but some text", "is broken or of a kind"},
@@ -127,9 +112,9 @@ TEST(AudioFileReader, refusesWhatCannotBeReadWithTheReason)
         {"odd.wav", wavFile(1, 1, 48000, 12, samples, 2000), "samples of 12 bits"},
         {"rate.wav", wavFile(1, 1, 0, 16, samples, 2000), "is broken or of a kind"},
         {"nan.wav", wavFile(3, 1, 48000, 32, notANumber, 8), "not finite"},
-        {"cut.flac", hurtFlac.substr(0, hurtFlac.size() / 3), "damaged or incomplete"},
-        {"hurt.flac", hurtFlac, "damaged or incomplete"},
-        {"hurt.ogg", hurtOgg, "damaged or incomplete"},
+        {"cut.flac", wholeFlac.substr(0, wholeFlac.size() / 3), "damaged or incomplete"},
+        {"hurt.flac", hurt("whole.flac"), "damaged or incomplete"},
+        {"hurt.ogg", hurt("whole.ogg"), "damaged or incomplete"},
     };
 
     const auto errorOf = [](const std::string& path) -> std::string
@@ -146,7 +131,6 @@ TEST(AudioFileReader, refusesWhatCannotBeReadWithTheReason)
             return error.what();
         }
     };
-
     for (const Row& row : rows)
     {
         const std::string error = errorOf(folder.write(row.name, row.content));
@@ -160,15 +144,14 @@ TEST(AudioFileReader, refusesWhatCannotBeReadWithTheReason)
     EXPECT_EQ(errorOf(ogg), "");
 }
 
+/** Programs that write to a pipe cannot know the length. */
 TEST(AudioFileReader, takesWhatIsThereIfTheLengthWasNotKnown)
 {
     const TestFolder folder;
-
     for (const std::uint32_t unknown : {0xffffffffu, 0x7ffff000u})
     {
-        const AudioFileReader file(
-            folder.write("pipe.wav", wavFile(1, 1, 48000, 16, std::string(2000, '\1'), unknown)));
-        EXPECT_EQ(file.getNumSamples(), 1000);
+        const auto content = wavFile(1, 1, 48000, 16, std::string(2000, '\1'), unknown);
+        EXPECT_EQ(AudioFileReader(folder.write("pipe.wav", content)).getNumSamples(), 1000);
     }
 }
 
@@ -181,16 +164,14 @@ TEST(AudioFileWriter, writesEveryWidthAsAsked)
         bool isFloat;
         float tolerance; ///< with dither up to one and a half steps
     };
-
     const Row rows[] = {{"a.wav", 16, false, 1.5f / 32768.0f},
                         {"a.wav", 24, false, 0.5f / 8388608.0f},
                         {"a.wav", 32, true, 0.0f},
                         {"a.flac", 16, false, 1.5f / 32768.0f},
-                        {"a.flac", 24, false, 0.5f / 8388608.0f},
-                        {"A.WAV", 24, false, 0.5f / 8388608.0f}};
-
+                        {"A.FLAC", 24, false, 0.5f / 8388608.0f}};
     for (const Row& row : rows)
     {
+        SCOPED_TRACE(row.name + std::to_string(row.bits));
         const TestFolder folder;
         const auto noise = createNoise(2, 5000);
         AudioFileWriter file(folder.path(row.name), 96000.0, 2, row.bits);
@@ -201,12 +182,11 @@ TEST(AudioFileWriter, writesEveryWidthAsAsked)
 
         EXPECT_EQ(folder.list(), std::vector<std::string>{row.name});
         const ReadAudio audio = readAudio(folder.path(row.name));
-        ASSERT_EQ(audio.samples.getNumSamples(), 5000) << row.name;
+        ASSERT_EQ(audio.samples.getNumSamples(), 5000);
         EXPECT_EQ(audio.rate, 96000.0);
         EXPECT_EQ(audio.bits, row.bits);
         EXPECT_EQ(audio.isFloat, row.isFloat);
-        EXPECT_LE(largestDifference(noise, audio.samples, 5000), row.tolerance * 1.001f)
-            << row.name << row.bits;
+        EXPECT_LE(largestDifference(noise, audio.samples, 5000), row.tolerance * 1.001f);
         EXPECT_EQ(file.getNumClipped(), 0);
     }
 }
@@ -215,7 +195,6 @@ TEST(AudioFileWriter, leavesWhatWasThereUnlessItIsFinished)
 {
     const TestFolder folder;
     folder.write("a.wav", "precious");
-
     {
         AudioFileWriter file(folder.path("a.wav"), 48000.0, 1, 16);
         file.write(createNoise(1, 100000), 0, 100000);
@@ -229,32 +208,28 @@ TEST(AudioFileWriter, leavesWhatWasThereUnlessItIsFinished)
     file.commit();
     EXPECT_TRUE(std::filesystem::is_symlink(folder.path("link.wav")));
     EXPECT_EQ(readAudio(folder.path("a.wav")).samples.getNumSamples(), 100);
-}
 
-TEST(AudioFileWriter, refusesPlacesThatCannotBeWritten)
-{
-    const TestFolder folder;
-    std::filesystem::create_directory(folder.path("folder.wav"));
-
-    EXPECT_THROW(AudioFileWriter(folder.path("folder.wav"), 48000.0, 1, 16), RenderError);
-    EXPECT_THROW(AudioFileWriter(folder.path("missing/a.wav"), 48000.0, 1, 16), RenderError);
     EXPECT_THROW(AudioFileWriter(folder.path("a.flac"), 1e6, 1, 16), RenderError) << "no FLAC has this rate";
-    EXPECT_EQ(folder.list().size(), 1u);
+    EXPECT_EQ(folder.list().size(), 2u);
 }
 
-TEST(Quantiser, isTransparentForWhatIsAlreadyQuantised)
+TEST(Quantiser, isTransparentForWhatIsAlreadyQuantisedAndCountsWhatItClips)
 {
     std::vector<float> steps;
     for (int value = -8388608; value < 8388608; value += 4099)
         steps.push_back(static_cast<float>(value) / 8388608.0f);
     std::vector<int> integers(steps.size());
-
     Quantiser quantiser(24);
     quantiser.convert(steps, integers);
-
     for (std::size_t i = 0; i < steps.size(); ++i)
         EXPECT_EQ(integers[i], static_cast<int>(steps[i] * 8388608.0f) * 256);
     EXPECT_EQ(quantiser.getNumClipped(), 0);
+
+    integers.resize(5);
+    quantiser.convert(std::vector<float>{1.0f, -1.0f, 1.5f, -1.5f, 0.999f}, integers);
+    EXPECT_EQ(quantiser.getNumClipped(), 3); // full scale itself lies one step above the range
+    EXPECT_EQ(integers[2], 0x7fffff00);
+    EXPECT_EQ(integers[3], std::numeric_limits<int>::min());
 }
 
 /** A level of a third of a step is lost without dither; with it the mean tells the level, and the error has the
@@ -284,16 +259,6 @@ TEST(Quantiser, dithersSixteenBits)
 
     Quantiser(16).convert(std::vector<float>(length, 0.0f), integers);
     EXPECT_EQ(integers, std::vector<int>(length, 0)) << "digital silence stays silent";
-}
-
-TEST(Quantiser, countsWhatItClips)
-{
-    Quantiser quantiser(24);
-    std::vector<int> integers(5);
-    quantiser.convert(std::vector<float>{1.0f, -1.0f, 1.5f, -1.5f, 0.999f}, integers);
-    EXPECT_EQ(quantiser.getNumClipped(), 3); // full scale itself lies one step above the range
-    EXPECT_EQ(integers[2], 0x7fffff00);
-    EXPECT_EQ(integers[3], std::numeric_limits<int>::min());
 }
 
 } // namespace ambrel::render::test

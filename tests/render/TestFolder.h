@@ -65,7 +65,6 @@ inline juce::AudioBuffer<float> createNoise(int channels, int samples)
 {
     std::mt19937 random(1);
     juce::AudioBuffer<float> noise(channels, samples);
-
     for (int channel = 0; channel < channels; ++channel)
         for (int i = 0; i < samples; ++i)
             noise.setSample(channel, i, static_cast<float>(random()) / 4294967296.0f - 0.5f);
@@ -76,12 +75,12 @@ inline juce::AudioBuffer<float> createSine(int channels, int samples, double fre
                                            float gain = 0.5f)
 {
     juce::AudioBuffer<float> sine(channels, samples);
-
-    for (int channel = 0; channel < channels; ++channel)
-        for (int i = 0; i < samples; ++i)
-            sine.setSample(channel, i,
-                           gain *
-                               static_cast<float>(std::sin(2.0 * std::numbers::pi * frequency * i / rate)));
+    for (int i = 0; i < samples; ++i)
+    {
+        const double phase = 2.0 * std::numbers::pi * frequency * i / rate;
+        for (int channel = 0; channel < channels; ++channel)
+            sine.setSample(channel, i, gain * static_cast<float>(std::sin(phase)));
+    }
     return sine;
 }
 

@@ -44,13 +44,11 @@ namespace detail
     setenv("HOME", home.path("").c_str(), 1);
     unsetenv("XDG_CONFIG_HOME");
     unsetenv("DISPLAY");
-
     if (options.largestFileBytes)
     {
         const rlimit limit{*options.largestFileBytes, *options.largestFileBytes};
         setrlimit(RLIMIT_FSIZE, &limit);
     }
-
     std::vector<char*> words{const_cast<char*>(AMBREL_RENDER_PROGRAM)};
     for (const std::string& argument : arguments)
         words.push_back(const_cast<char*>(argument.c_str()));
@@ -66,19 +64,16 @@ inline Outcome run(const TestFolder& home, const std::vector<std::string>& argum
                    const RunOptions& options = {})
 {
     const pid_t process = fork();
-
     if (process == 0)
         detail::becomeProgram(home, arguments, options);
 
     int status = 0;
-
     if (options.interruptWhen)
     {
         while (!options.interruptWhen() && waitpid(process, &status, WNOHANG) == 0)
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
         kill(process, SIGINT);
     }
-
     waitpid(process, &status, 0);
     return {WIFEXITED(status) ? WEXITSTATUS(status) : 1000 + WTERMSIG(status), home.read("stdout"),
             home.read("stderr")};
