@@ -1,4 +1,4 @@
-#include "tests/hosts/JucePlugIn.h"
+#include "tests/hosts/PlugIn.h"
 
 #include <juce_audio_processors/juce_audio_processors.h>
 
@@ -65,9 +65,8 @@ public:
         checks.expect(setLayout(Set::stereo()), "stereo is accepted");
     }
 
-    void start(double sampleRate, int maximumBlockSize, bool isOffline) override
+    void start(double sampleRate, int maximumBlockSize) override
     {
-        instance->setNonRealtime(isOffline);
         instance->setRateAndBufferSizeDetails(sampleRate, maximumBlockSize);
         instance->prepareToPlay(sampleRate, maximumBlockSize);
     }
@@ -154,7 +153,7 @@ private:
     void checkMono(Checks& checks)
     {
         constexpr int blockSize = 4096;
-        start(48000.0, blockSize, false);
+        start(48000.0, blockSize);
         auto block = Noise().make(blockSize, 1);
         process(block);
         auto silence = Channels(1, std::vector<float>(blockSize));

@@ -1,6 +1,5 @@
 /**
-    A finished plug-in as a host sees it, whatever its format: what the checks of FormatChecks.h and
-    AcrossFormats.h are written against.
+    A finished plug-in as a host sees it, whatever its format: what the checks of FormatChecks.h are written against.
 
     Thread: start, stop, programs, states and editors on the message thread, process and setParameter on any one
     other or the same. Changes of parameters, bypass and programs are certain to be heard only in the next block.
@@ -37,7 +36,7 @@ public:
     /** Names, numbers of channels and parameters, and what else is fixed. */
     virtual void checkIdentity(Checks&) = 0;
 
-    virtual void start(double sampleRate, int maximumBlockSize, bool isOffline = false) = 0;
+    virtual void start(double sampleRate, int maximumBlockSize) = 0;
     virtual void stop() = 0;
 
     /** One block in place, of up to the maximum length that start was told. */
@@ -62,6 +61,15 @@ public:
 
 /** Makes a new instance; empty, with a message on the standard error stream, if there is nothing to load. */
 using Loader = std::function<std::unique_ptr<PlugIn>()>;
+
+/** A VST3 or LV2 in JUCE's own hosting. Looks through the folder at once, as a host's scan does; each call of the result
+    loads an instance of what was found there under the product's name.
+
+    @param format  "VST3" or "LV2" */
+Loader makeJuceLoader(const std::string& format, const std::string& folder);
+
+/** A VST2 in a small host over the FST headers. */
+Loader makeVst2Loader(const std::string& file);
 
 /** What lies behind a state block is not part of it: the block tells its own length. */
 inline State trimmed(State state)

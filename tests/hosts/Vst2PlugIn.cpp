@@ -1,12 +1,9 @@
-#include "tests/hosts/Vst2PlugIn.h"
+#include "tests/hosts/PlugIn.h"
 
 #include <dlfcn.h>
 #include <juce_gui_basics/juce_gui_basics.h>
 #include <pluginterfaces/fst/aeffect.h>
 #include <pluginterfaces/fst/aeffectx.h>
-
-#include <atomic>
-#include <cstring>
 
 namespace hosts
 {
@@ -14,17 +11,13 @@ namespace
 {
 constexpr t_fstInt32 interfaceVersion = 2400;
 constexpr t_fstInt32 realtimeLevel = 2;
-constexpr t_fstInt32 offlineLevel = 4;
-
-/** What the plug-in asks for as its process level; one for all instances, as in a host that renders a project. */
-std::atomic<t_fstInt32> processLevel{realtimeLevel};
 
 t_fstPtrInt VSTCALLBACK answerPlugIn(AEffect*, t_fstInt32 opcode, t_fstInt32, t_fstPtrInt, void* const, float)
 {
     switch (opcode)
     {
     case audioMasterVersion: return interfaceVersion;
-    case audioMasterGetCurrentProcessLevel: return processLevel;
+    case audioMasterGetCurrentProcessLevel: return realtimeLevel;
     default: return 0;
     }
 }
@@ -103,9 +96,8 @@ public:
         checks.expect(getProgramName(program) == "Default hall", "it opens on Default hall");
     }
 
-    void start(double sampleRate, int maximumBlockSize, bool isOffline) override
+    void start(double sampleRate, int maximumBlockSize) override
     {
-        processLevel = isOffline ? offlineLevel : realtimeLevel;
         dispatch(effect, effSetSampleRate, 0, 0, nullptr, static_cast<float>(sampleRate));
         dispatch(effect, effSetBlockSize, 0, maximumBlockSize);
         dispatch(effect, effMainsChanged, 0, 1);
@@ -160,9 +152,7 @@ private:
     void* library;
     AEffect& effect;
 };
-} // namespace
-
-std::unique_ptr<PlugIn> loadVst2(const std::string& file)
+std::unique_ptr<PlugIn> load(const std::string& file)
 {
     void* library = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (library == nullptr)
@@ -181,6 +171,12 @@ std::unique_ptr<PlugIn> loadVst2(const std::string& file)
         return nullptr;
     }
     return std::make_unique<Vst2PlugIn>(library, *effect);
+}
+} // namespace
+
+Loader makeVst2Loader(const std::string& file)
+{
+    return [=] { return load(file); };
 }
 
 } // namespace hosts

@@ -6,10 +6,6 @@
     PREFIX is where the product was installed: formats are looked for below PREFIX/lib. Windows need a display and are
     left out, with a message, where there is none. */
 #include "tests/hosts/FormatChecks.h"
-#include "tests/hosts/JucePlugIn.h"
-#if AMBREL_HOST_HAS_VST2
-#include "tests/hosts/Vst2PlugIn.h"
-#endif
 
 #include <juce_gui_basics/juce_gui_basics.h>
 
@@ -27,7 +23,7 @@ hosts::Loader makeLoader(const std::string& format, const std::string& prefix)
 {
 #if AMBREL_HOST_HAS_VST2
     if (format == "VST2")
-        return [file = prefix + "/lib/vst/Ambrel/Ambrel.so"] { return hosts::loadVst2(file); };
+        return hosts::makeVst2Loader(prefix + "/lib/vst/Ambrel/Ambrel.so");
 #endif
     return hosts::makeJuceLoader(format, prefix + (format == "VST3" ? "/lib/vst3" : "/lib/lv2"));
 }
