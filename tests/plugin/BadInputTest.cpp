@@ -160,27 +160,21 @@ TEST_F(BadInputTest, PresetFiles)
         {"not a number", time("nan"), 32.0f},
         {"infinite", time("inf"), 32.0f},
         {"minus infinite", time("-inf"), 0.1f},
-        {"too large", time("1e999"), 32.0f},
         {"many digits", time(repeat("9", 2000)), 32.0f},
         {"hexadecimal", time("0x10"), 0.1f},
         {"empty", time(""), 0.1f},
         {"comma", time("1,5"), 1.0f},
-        {"words", time("two"), 0.1f},
         {"reference", time("&#x34;&#46;5"), 4.5f},
 
         {"UTF-16, low byte first", utf16(false), 3.0f},
         {"UTF-16, high byte first", utf16(true), 3.0f},
         {"UTF-8 with a mark", "\xef\xbb\xbf" + time("3"), 3.0f},
         {"a mark alone", "\xef\xbb\xbf", 0.0f},
-        {"Latin-1",
-         preset("<Parameter name='Gr\xf6\xdf"
-                "e' id='2' value='3'/>"),
-         3.0f},
+        {"Latin-1", preset("<Parameter name='Gr\xf6\xdf' id='2' value='3'/>"), 3.0f},
         {"breaks off within a character", preset("<Parameter id='2' value='3\xf0"), 0.0f},
         {"a zero within", time("3") + std::string(1, '\0') + "<", 3.0f},
         {"no XML", "two seconds", 0.0f},
         {"no settings", "<Preset><Settings/></Preset>", 0.0f},
-        {"zeros", std::string(1000, '\0'), 0.0f},
         {"zeros, too many", std::string(100'000'000, '\0'), 0.0f},
 
         {"comments and such",
@@ -290,8 +284,7 @@ TEST(BadInput, AnEngineThatFailsIsKeptFromTheHost)
 
 TEST(BadInput, SettingsFiles)
 {
-    const auto makePlugIn = [] { return std::make_unique<TestPlugIn>("Shared", "p"); };
-    const auto file = makePlugIn()->settings->getFile();
+    const auto file = TestPlugIn("Shared").settings->getFile();
     const std::string contents[] = {"",
                                     "PROP",
                                     "CPRP\x78\x9c",
@@ -301,13 +294,13 @@ TEST(BadInput, SettingsFiles)
     for (const auto& content : contents)
     {
         file.replaceWithData(content.data(), content.size());
-        auto first = makePlugIn();
-        auto second = makePlugIn();
-        first->settings->setValue("ThemeId", 1);
-        second->settings->setValue("ThemeId", 2);
-        first.reset();
-        second.reset();
-        EXPECT_EQ(makePlugIn()->settings->getIntValue("ThemeId"), 2) << "the last one that writes wins";
+        {
+            const TestPlugIn closedLast("Shared"), closedFirst("Shared");
+            closedFirst.settings->setValue("ThemeId", 1);
+            closedLast.settings->setValue("ThemeId", 2);
+        }
+        EXPECT_EQ(TestPlugIn("Shared").settings->getIntValue("ThemeId"), 2)
+            << "the last one that writes wins";
     }
     file.deleteFile();
 }

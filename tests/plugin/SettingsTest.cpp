@@ -37,14 +37,6 @@ juce::String translateUndo(const juce::String& bundle)
 }
 } // namespace
 
-TEST(SettingsTest, VersionCodePacksThreeParts)
-{
-    const std::pair<const char*, int> rows[] = {
-        {"1.0.3", 0x10003}, {"2", 0x20000}, {"1.300.4", (1 << 16) + (300 << 8) + 4}};
-    for (const auto& [version, code] : rows)
-        EXPECT_EQ(TestPlugIn("b", "p", version).getVersionCode(), code);
-}
-
 TEST(SettingsTest, SettingsAreKeptForTheMajorVersion)
 {
     {

@@ -112,10 +112,7 @@ public:
         customNote = element->getStringAttribute("note");
     }
 
-    using BasePlugInProcessor::alternateSettings;
-    using BasePlugInProcessor::parameterDescriptions;
     using BasePlugInProcessor::presetExemptParameters;
-    using BasePlugInProcessor::presets;
     using BasePlugInProcessor::redoStates;
     using BasePlugInProcessor::resetPresetIndex;
     using BasePlugInProcessor::undoStates;
@@ -130,9 +127,15 @@ public:
 class CountingListener : public BasePlugInProcessor::Listener
 {
 public:
-    void parameterChanged(int index) override { heard.push_back(index); }
+    void parameterChanged(int index) override
+    {
+        heard.push_back(index);
+        if (onChange)
+            onChange();
+    }
 
     std::vector<int> heard;
+    std::function<void()> onChange;
 };
 
 /** A folder that is deleted with this. */

@@ -115,19 +115,6 @@ TEST(OctaveFilter, reversedFilteringPutsTheRingingInFront)
     EXPECT_GT(energyOf(std::span(band).first(24001)), 0.0);
 }
 
-TEST(EnergyDecay, findsTheTimeOfAnExponential)
-{
-    for (const double time : {0.2, 1.0, 5.0})
-    {
-        const EnergyDecay decay(squared(createDecay(1.5 * time, time, 1)), rate);
-        EXPECT_NEAR(decay.getTime(-5.0, -35.0).value_or(0.0), time, 0.03 * time);
-        EXPECT_NEAR(decay.getTime(-5.0, -25.0).value_or(0.0), time, 0.04 * time);
-        EXPECT_NEAR(decay.getTime(0.0, -10.0).value_or(0.0), time, 0.06 * time);
-        EXPECT_LT(decay.getStraightness(-5.0, -35.0).value_or(9.0), 0.5);
-        EXPECT_NEAR(decay.getTimeOfLevel(-30.0).value_or(0.0), time / 2.0, 0.02 * time);
-    }
-}
-
 /** A decay of 2 s that is cut after 1.4 s has 42 dB: enough for T20, not for T30 with a margin. */
 TEST(EnergyDecay, makesUpForAnEarlyEndAndKeepsSilentWhereItWouldGuess)
 {
@@ -259,13 +246,15 @@ TEST_F(RoomMeasuresTest, areThoseOfTheSyntheticRoom)
     for (const BandMeasures& band : bands)
     {
         // Narrow bands of noise scatter: the 63 Hz octave holds some 100 independent values.
-        const double tolerance = band.centre > 0.0 && band.centre < 250.0 ? 0.15 : 0.05;
+        const double tolerance = band.centre == 0.0 ? 0.026 : band.centre < 250.0 ? 0.15 : 0.05;
         EXPECT_NEAR(band.t30.value_or(0.0), time, tolerance * time) << band.centre;
         EXPECT_NEAR(band.t20.value_or(0.0), time, 1.5 * tolerance * time) << band.centre;
         EXPECT_NEAR(band.c50.value_or(99.0), expectedClarity(0.05, time), 30.0 * tolerance) << band.centre;
         EXPECT_NEAR(band.c80.value_or(99.0), expectedClarity(0.08, time), 30.0 * tolerance) << band.centre;
     }
 
+    EXPECT_NEAR(measures.broadband.earlyDecayTime.value_or(0.0), time, 0.06 * time);
+    EXPECT_LT(measures.broadband.straightness.value_or(9.0), 0.5);
     EXPECT_NEAR(measures.broadband.level.value_or(0.0),
                 10.0 * std::log10(energyOf(response.left) + energyOf(response.right)), 0.01);
     EXPECT_NEAR(*measures.octaves[6].level - *measures.octaves[4].level, 6.0, 1.0)
@@ -273,7 +262,7 @@ TEST_F(RoomMeasuresTest, areThoseOfTheSyntheticRoom)
     EXPECT_LT(measures.mixingTime.value_or(9.0), 0.02);
     EXPECT_NEAR(measures.flatness.value_or(0.0), 0.5615, 0.025);
     EXPECT_LT(measures.correlationLate, 0.06);
-    EXPECT_NEAR(static_cast<double>(measures.balance.size()), 1.2 / RoomMeasures::balanceStep, 1.0)
+    EXPECT_NEAR(static_cast<double>(measures.balance.size()), time / RoomMeasures::balanceStep, 1.0)
         << "down to -60 dB";
     EXPECT_NEAR(measures.broadband.decay.at(40), -10.0, 0.5) << "0.2 s";
 }
