@@ -26,6 +26,8 @@ inline void applySettings(Reverberation& engine, const Settings& settings)
 /** Neither dry signal nor wet gain. */
 inline const Settings wetOnly = {{Reverberation::muteDry, 1.0f}, {Reverberation::wetGain, 0.0f}};
 
+inline const Settings dryOnly = {{Reverberation::muteTail, 1.0f}, {Reverberation::muteEarly, 1.0f}};
+
 /** An equalizer as flat as it gets. */
 inline const Settings flat = {{Reverberation::highPassFrequency, 1.0f},
                               {Reverberation::lowPassFrequency, 25000.0f},

@@ -20,7 +20,6 @@ AudioFormat makeMonoBus()
     return format;
 }
 
-const Settings dryOnly = {{R::muteTail, 1.0f}, {R::muteEarly, 1.0f}};
 const Settings tailOnly = wetOnly + Settings{{R::muteEarly, 1.0f}, {R::modulationDepth, 0.0f}};
 const Settings earlyOnly = wetOnly + Settings{{R::muteTail, 1.0f}};
 
@@ -128,13 +127,12 @@ TEST(ReverberationChannels, spreadNarrowsTheWetSignal)
             }
     }
     // A single channel has no width.
-    const auto mono = [&](float spread)
+    const auto getMono = [](float spread)
     {
-        return toVector(render(*makeEngine(1, 48000.0, wetOnly + Settings{{R::stereoSpread, spread}}),
-                               makeImpulse(1, length, {0})),
-                        0);
+        const auto engine = makeEngine(1, 48000.0, wetOnly + Settings{{R::stereoSpread, spread}});
+        return toVector(render(*engine, makeImpulse(1, length, {0})), 0);
     };
-    EXPECT_LT(maxDifference(mono(0.0f), mono(100.0f)), 1e-6);
+    EXPECT_LT(maxDifference(getMono(0.0f), getMono(100.0f)), 1e-6);
 }
 
 } // namespace vesk::audio

@@ -15,8 +15,6 @@ bool passesUntouched(const Signal32& input, const Signal32& output)
 {
     return input.getChannelPtr(0) == output.getChannelPtr(0);
 }
-
-const Settings dryOnly = {{R::muteTail, 1.0f}, {R::muteEarly, 1.0f}};
 } // namespace
 
 TEST(ReverberationFrame, restsAfterTwiceTheLongestTimeOfSilence)

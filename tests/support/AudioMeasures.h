@@ -1,8 +1,7 @@
 /**
     What a reverb's output is measured by. Levels and gains in dB, times in seconds, all arithmetic in double.
 
-        const auto decay = getEnergyDecay(impulseResponse);
-        const double t30 = fitDecayTime(decay, 48000.0, -5.0, -35.0);
+        const double t30 = getDecayTime(filterOctave(impulseResponse, 1000.0, 48000.0), 48000.0);
 */
 #pragma once
 
@@ -43,43 +42,27 @@ inline bool isFinite(std::span<const float> samples)
     return std::all_of(samples.begin(), samples.end(), [](float sample) { return std::isfinite(sample); });
 }
 
-/** The energy still to come at each sample, relative to all of it (M. R. Schroeder, "New method of measuring
-    reverberation time", 1965). Linear. */
-inline std::vector<double> getEnergyDecay(std::span<const float> response)
-{
-    std::vector<double> decay(response.size());
-    double sum = 0.0;
-    for (std::size_t n = response.size(); n-- > 0;)
-        decay[n] = sum += static_cast<double>(response[n]) * static_cast<double>(response[n]);
-    for (auto& value : decay)
-        value /= sum;
-    return decay;
-}
-
-/** Time for 60 dB along the line of least squares through the decay between two levels. */
-inline double fitDecayTime(std::span<const double> decay, double sampleRate, double fromLevel, double toLevel)
-{
-    const double high = std::pow(10.0, fromLevel / 10.0);
-    const double low = std::pow(10.0, toLevel / 10.0);
-    double count = 0.0, sumT = 0.0, sumL = 0.0, sumTT = 0.0, sumTL = 0.0;
-    for (std::size_t n = 0; n < decay.size(); ++n)
-        if (decay[n] <= high && decay[n] >= low)
-        {
-            const double time = static_cast<double>(n) / sampleRate;
-            const double level = 10.0 * std::log10(decay[n]);
-            count += 1.0;
-            sumT += time;
-            sumL += level;
-            sumTT += time * time;
-            sumTL += time * level;
-        }
-    return -60.0 * (count * sumTT - sumT * sumT) / (count * sumTL - sumT * sumL);
-}
-
-/** T30 of a response. */
+/** T30: the time for 60 dB along the line of least squares from -5 to -35 dB through the energy still to come
+    (M. R. Schroeder, "New method of measuring reverberation time", 1965). */
 inline double getDecayTime(std::span<const float> response, double sampleRate)
 {
-    return fitDecayTime(getEnergyDecay(response), sampleRate, -5.0, -35.0);
+    const double total = getEnergy(response);
+    double toCome = 0.0;
+    double count = 0.0, sumT = 0.0, sumL = 0.0, sumTT = 0.0, sumTL = 0.0;
+    for (std::size_t n = response.size(); n-- > 0;)
+    {
+        toCome += static_cast<double>(response[n]) * static_cast<double>(response[n]);
+        const double time = static_cast<double>(n) / sampleRate;
+        const double level = 10.0 * std::log10(toCome / total);
+        if (level > -5.0 || level < -35.0)
+            continue;
+        count += 1.0;
+        sumT += time;
+        sumL += level;
+        sumTT += time * time;
+        sumTL += time * level;
+    }
+    return -60.0 * (count * sumTT - sumT * sumT) / (count * sumTL - sumT * sumL);
 }
 
 /** One octave around a centre: two second-order Butterworth filters at each edge. */
