@@ -1,5 +1,4 @@
 #include "core/AudioFormat.h"
-#include "core/BaseAudioProcessor.h"
 #include "core/kernels.h"
 
 #include <gtest/gtest.h>
@@ -7,7 +6,6 @@
 #include <limits>
 #include <map>
 #include <sstream>
-#include <stdexcept>
 #include <string>
 #include <thread>
 
@@ -37,68 +35,6 @@ TEST(AudioFormat, StandardLayouts)
         EXPECT_EQ(format.sampleRate, 44100.0);
     }
 }
-
-TEST(AudioFormat, ComparesEveryField)
-{
-    const AudioFormat stereo(2, 48000.0);
-    EXPECT_EQ(stereo, AudioFormat(2, 48000.0));
-    EXPECT_NE(stereo, AudioFormat(2, 44100.0));
-    EXPECT_NE(stereo, AudioFormat(1, 48000.0));
-
-    const auto differs = [&](auto change)
-    {
-        AudioFormat other = stereo;
-        change(other.speakers[1]);
-        return !(other == stereo);
-    };
-    EXPECT_TRUE(differs([](auto& speaker) { speaker.x = 0.5f; }));
-    EXPECT_TRUE(differs([](auto& speaker) { speaker.y = 0.5f; }));
-    EXPECT_TRUE(differs([](auto& speaker) { speaker.z = 0.5f; }));
-    EXPECT_TRUE(differs([](auto& speaker) { speaker.type = Mono; }));
-    EXPECT_TRUE(differs([](auto& speaker) { speaker.aux = 0.0f; }));
-}
-
-/** The least that an engine must have. */
-struct Wire : BaseAudioProcessor
-{
-    Signal32 process(const Signal32& input, bool) override { return input; }
-};
-
-TEST(BaseAudioProcessor, AnEngineWithoutParametersOrLatency)
-{
-    Wire engine;
-    EXPECT_EQ(engine.expectedBlockSize, -1);
-    EXPECT_TRUE(engine.setFormat(AudioFormat(1, 48000.0), AudioFormat(2, 48000.0)));
-    EXPECT_TRUE(engine.setFormat(engine.inputFormat, engine.outputFormat)) << "its own formats";
-    EXPECT_EQ(engine.inputFormat, AudioFormat(1, 48000.0));
-    EXPECT_EQ(engine.outputFormat, AudioFormat(2, 48000.0));
-
-    const auto info = engine.getProcessingInfo();
-    EXPECT_EQ(info.leadLatency, 0);
-    EXPECT_EQ(info.trailLatency, 0);
-    EXPECT_EQ(info.rate, 1.0);
-
-    const auto messageOf = [](auto call) -> std::string
-    {
-        try
-        {
-            call();
-        }
-        catch (const std::out_of_range& error)
-        {
-            return error.what();
-        }
-        return "nothing thrown";
-    };
-    float low = 0.0f, high = 0.0f;
-    EXPECT_EQ(messageOf([&] { engine.getParameterRange(0, low, high); }), "Parameter index");
-    EXPECT_EQ(messageOf([&] { engine.getParameterValue(0); }), "Parameter index");
-    EXPECT_EQ(messageOf([&] { engine.setParameterValue(0, 1.0f, true); }), "Parameter index");
-    engine.effectuateParameterChanges();
-    engine.reset();
-}
-
-//==============================================================================
 
 /** A product that is denormal, and one of a denormal operand that is not; volatile keeps them at run time. */
 float multiplyAtRunTime(float a, float b)

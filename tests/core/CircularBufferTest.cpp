@@ -45,7 +45,8 @@ TEST(CircularBuffer, ShowsTheCurrentBlockAndItsPastThroughWrapsAndGrowth)
             ring.resize(ring.capacity + upTo(199));
         }
         const int capacity = ring.capacity, margin = ring.maxBlockSize;
-        const int length = upTo(49) + (upTo(199) == 0 ? margin : 0);
+        const int longer = capacity < 2000 ? capacity : margin;
+        const int length = upTo(49) + (upTo(199) == 0 ? longer : 0);
         ring.add(slice(history, position, length));
         if (length > margin)
         {
@@ -65,18 +66,7 @@ TEST(CircularBuffer, ShowsTheCurrentBlockAndItsPastThroughWrapsAndGrowth)
         moveOn(ring, length);
         position += length;
     }
-    EXPECT_GT(ring.maxBlockSize, 50) << "the run has met a long block";
-}
-
-TEST(CircularBuffer, ABlockLongerThanTheWholeRingComesBackWhole)
-{
-    Ring ring;
-    ring.capacity = 64;
-    ring.maxBlockSize = 16;
-    const auto block = makeNoiseSignal(1, 1000, 3);
-    ring.add(block);
-    EXPECT_EQ(toVectors(ring.peek(0, 1000)), toVectors(block));
-    EXPECT_EQ(toVectors(ring.peek(-48, 48)), toVectors(Signal32(1, 48, 0.0f)));
+    EXPECT_GT(ring.maxBlockSize, 200) << "the run has met blocks longer than the whole ring";
 }
 
 TEST(CircularBuffer, ShrinkingWrapsThePositionsAndKeepsTheMemory)

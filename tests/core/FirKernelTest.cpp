@@ -46,61 +46,45 @@ class FirKernel : public test::KernelFixture
 };
 AMBREL_ON_ALL_INSTRUCTION_SETS(FirKernel);
 
-TEST_P(FirKernel, BlocksWithACarriedPastMakeOneConvolution)
+TEST_P(FirKernel, ConvolvesThePastAndTheBlockAndKeepsTheLatest)
 {
-    constexpr int total = 2600;
-    const auto input = makeNoise(total, 1);
-    for (const int tapsLength : {1, 2, 3, 4, 5, 8, 15, 16, 17, 31, 33, 127, 128, 129, 300})
-    {
-        const auto taps = makeNoise(tapsLength, 2 + unsigned(tapsLength));
-        const auto expected = convolve(input, taps);
-        for (const std::vector<int>& pattern :
-             {std::vector<int>{total}, {1}, {2, 1, 3}, {64}, {100, 7}, {1000, 1, 128, 127, 129, 5}})
-            for (const bool inPlace : {false, true})
-            {
-                Filter filter(taps);
-                auto source = input;
-                std::vector<float> separate(inPlace ? 0 : total, 9.0f);
-                auto& output = inPlace ? source : separate;
-                std::vector<float> past(std::size_t(tapsLength - 1)); // ends where its memory ends
-                float none = 0.0f; // for a single tap: an array of no samples
-                auto* delayLine = past.empty() ? &none : past.data();
-                test::forEachBlock(
-                    total, pattern,
-                    [&](int begin, int n)
-                    { filter.run(source.data() + begin, output.data() + begin, n, delayLine, delayLine); });
-                ASSERT_LT(test::maxDifference(output, expected), getTolerance(taps.size()))
-                    << tapsLength << " taps, blocks of " << pattern[0] << (inPlace ? ", in place" : "");
-                ASSERT_TRUE(std::equal(past.rbegin(), past.rend(), input.rbegin())) << "oldest first";
-            }
-    }
-}
-
-TEST_P(FirKernel, WithoutDelayLinesThePastIsSilentAndNothingIsKept)
-{
-    const auto taps = makeNoise(40, 3), input = makeNoise(100, 4), history = makeNoise(39, 5);
-    Filter filter(taps);
-    std::vector<float> output(100), kept(39, 9.0f);
-
-    for (int repeat = 0; repeat < 2; ++repeat)
-    {
-        filter.run(input.data(), output.data(), 100, nullptr, nullptr);
-        EXPECT_LT(test::maxDifference(output, convolve(input, taps)), getTolerance(40));
-    }
-
-    // A past that goes in but does not come out, as one that other filters still have to read.
-    const auto untouched = history;
-    filter.run(input.data(), output.data(), 100, history.data(), nullptr);
-    auto stream = history;
-    stream.insert(stream.end(), input.begin(), input.end());
-    const auto expected = convolve(stream, taps);
-    EXPECT_LT(test::maxDifference(output, std::span(expected).subspan(39)), getTolerance(40));
-    EXPECT_EQ(history, untouched);
-
-    // No past, and a block shorter than what is kept: zeros come first.
-    filter.run(input.data(), output.data(), 10, nullptr, kept.data());
-    EXPECT_TRUE(std::all_of(kept.begin(), kept.begin() + 29, [](float v) { return v == 0.0f; }));
-    EXPECT_TRUE(std::equal(kept.begin() + 29, kept.end(), input.begin()));
+    const auto input = makeNoise(2600, 1);
+    for (const std::size_t tapsLength :
+         {1u, 2u, 3u, 4u, 5u, 8u, 15u, 16u, 17u, 31u, 33u, 127u, 128u, 129u, 300u})
+        for (const bool hasPast : {false, true})
+        {
+            const auto taps = makeNoise(static_cast<int>(tapsLength), 2);
+            const std::size_t pastLength = tapsLength - 1;
+            auto stream = makeNoise(static_cast<int>(pastLength), 3);
+            if (!hasPast)
+                stream.assign(pastLength, 0.0f);
+            stream.insert(stream.end(), input.begin(), input.end());
+            const auto expected = convolve(stream, taps);
+            Filter filter(taps);
+            for (const std::size_t n :
+                 {1u, 2u, 3u, 7u, 64u, 100u, 127u, 128u, 129u, 1000u, 1024u, 1025u, 2600u})
+                for (const bool inPlace : {false, true})
+                    for (const bool keeps : {false, true})
+                    {
+                        SCOPED_TRACE(testing::Message()
+                                     << tapsLength << " taps, " << n << " samples, past " << hasPast
+                                     << ", in place " << inPlace << ", kept " << keeps);
+                        // Both end where their memory ends. The past of a single tap is empty, but not null.
+                        std::vector<float> source(input.begin(), input.begin() + std::ptrdiff_t(n));
+                        std::vector<float> past(stream.begin(), stream.begin() + std::ptrdiff_t(pastLength));
+                        std::vector<float> separate(n, 9.0f);
+                        auto& output = inPlace ? source : separate;
+                        float none = 0.0f;
+                        float* delayLine = past.empty() ? &none : past.data();
+                        filter.run(source.data(), output.data(), static_cast<int>(n),
+                                   hasPast ? delayLine : nullptr, keeps ? delayLine : nullptr);
+                        ASSERT_LT(test::maxDifference(output, std::span(expected).subspan(pastLength, n)),
+                                  getTolerance(tapsLength));
+                        ASSERT_TRUE(std::equal(past.begin(), past.end(),
+                                               stream.begin() + std::ptrdiff_t(keeps ? n : 0)))
+                            << "the past, oldest first";
+                    }
+        }
 }
 
 TEST_P(FirKernel, RefusesWhatItCannotDo)

@@ -7,7 +7,6 @@
 #include <limits>
 #include <numbers>
 #include <stdexcept>
-#include <string>
 
 namespace vesk::audio
 {
@@ -15,16 +14,14 @@ namespace
 {
 
 using test::toVector;
+using test::toVectors;
 using Generator = SignalGenerator<float>;
 constexpr double pi = std::numbers::pi;
 
 TEST(SignalGenerator, RampIsARaisedCosineInAllChannels)
 {
-    struct Row
-    {
-        float from, to;
-    };
-    for (const auto& [from, to] : {Row{0, 1}, {1, 0}, {0.3f, 0.3f}, {-2, 5}, {0.001f, 0}, {4, -4}})
+    for (const auto& [from, to] :
+         {std::pair(0.0f, 1.0f), {1.0f, 0.0f}, {0.3f, 0.3f}, {-2.0f, 5.0f}, {0.001f, 0.0f}, {4.0f, -4.0f}})
         for (const int samples : {2, 3, 16, 100, 1000, 4096, 100000})
         {
             const auto ramp = Generator::generateSinusRamp(3, samples, from, to);
@@ -32,41 +29,25 @@ TEST(SignalGenerator, RampIsARaisedCosineInAllChannels)
             for (int n = 0; n < samples; ++n)
                 expected.push_back(double(from) +
                                    0.5 * (double(to) - double(from)) * (1.0 - std::cos(pi * n / samples)));
-            for (int c = 0; c < 3; ++c)
-                EXPECT_LT(test::maxDifference(toVector(ramp, c), expected),
-                          2e-6 * std::max(1.0f, std::abs(to - from)))
-                    << from << " to " << to << ", " << samples;
+            EXPECT_LT(test::maxDifference(toVector(ramp, 0), expected),
+                      2e-6 * std::max(1.0f, std::abs(to - from)))
+                << from << " to " << to << ", " << samples;
+            EXPECT_EQ(toVectors(ramp), std::vector(3, toVector(ramp, 0)));
         }
-}
-
-TEST(SignalGenerator, OppositeRampsAddUpToOne)
-{
     for (const int samples : {2, 64, 1000})
     {
-        const auto sum = Generator::generateSinusRamp(1, samples, 1.0f, 0.0f) +
-                         Generator::generateSinusRamp(1, samples, 0.0f, 1.0f);
-        EXPECT_LT(test::maxDifference(toVector(sum, 0),
-                                      std::vector<float>(sum.data->channels.size() * samples, 1.0f)),
-                  2e-7);
+        const auto down = Generator::generateSinusRamp(1, samples, 1.0f, 0.0f);
+        const auto sum = down + Generator::generateSinusRamp(1, samples, 0.0f, 1.0f);
+        EXPECT_EQ(down.getChannelPtr(0)[0], 1.0f);
+        EXPECT_LT(test::maxDifference(toVector(sum, 0), std::vector(std::size_t(samples), 1.0f)), 2e-7);
     }
-    EXPECT_EQ(Generator::generateSinusRamp(1, 1000, 1.0f, 0.0f).getChannelPtr(0)[0], 1.0f);
 }
 
 TEST(SignalGenerator, RampsOfOneSampleDoNotExist)
 {
     EXPECT_EQ(toVector(Generator::generateSinusRamp(2, 1, 0.5f, 0.5f), 1), std::vector<float>{0.5f});
     EXPECT_EQ(Generator::generateSinusRamp(2, 0, 0.0f, 1.0f).numSamples, 0);
-    try
-    {
-        Generator::generateSinusRamp(1, 1, 0.0f, 1.0f);
-        FAIL() << "nothing thrown";
-    }
-    catch (const std::runtime_error& error)
-    {
-        EXPECT_STREQ(error.what(),
-                     "IPP exception: ippStsToneFreqErr: Tone frequency is negative, or greater than, "
-                     "or equal to 0.5.");
-    }
+    EXPECT_THROW(Generator::generateSinusRamp(1, 1, 0.0f, 1.0f), std::runtime_error);
 }
 
 TEST(SignalGenerator, TonesRunOnAcrossCalls)
@@ -76,8 +57,6 @@ TEST(SignalGenerator, TonesRunOnAcrossCalls)
     for (const int length : {1, 7, 480, 13, 2000})
     {
         const auto tone = Generator::generateTone(2, length, 48000.0f, 0.5f, 1234.5f, phase);
-        EXPECT_GE(phase, 0.0f);
-        EXPECT_LT(phase, 2.0f * std::numbers::pi_v<float>);
         std::vector<double> expected;
         for (int n = 0; n < length; ++n)
             expected.push_back(0.5 * std::cos(2.0 * pi * double(1234.5f / 48000.0f) * sample++ + 1.0));
@@ -91,15 +70,13 @@ TEST(SignalGenerator, TonesRunOnAcrossCalls)
 
 TEST(VectorOps, AToneWithoutMagnitudeIsSilenceAndKeepsThePhase)
 {
+    float phase = 0.7f;
     for (const float magnitude : {0.0f, -1.0f, std::numeric_limits<float>::quiet_NaN()})
     {
         std::vector<float> tone(9, 5.0f);
-        float phase = 0.7f;
         vo::generateSinusoidal(magnitude, 0.1f, phase, tone.data(), 9);
         EXPECT_EQ(tone, std::vector<float>(9, 0.0f));
-        EXPECT_EQ(phase, 0.7f);
     }
-    float phase = 0.7f;
     EXPECT_NO_THROW(vo::generateSinusoidal(1.0f, 0.1f, phase, nullptr, 0));
     EXPECT_EQ(phase, 0.7f);
     EXPECT_NO_THROW(vo::copy<float>(nullptr, nullptr, 0));
