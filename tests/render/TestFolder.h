@@ -92,12 +92,10 @@ inline std::string writeAudio(const std::string& path, const juce::AudioBuffer<f
     formats.registerBasicFormats();
     const juce::File file(path);
     file.deleteFile(); // the stream would append
-    auto stream = std::make_unique<juce::FileOutputStream>(file);
+    auto* format = formats.findFormatForFileExtension(file.getFileExtension());
+    const auto channels = static_cast<unsigned>(audio.getNumChannels());
     const std::unique_ptr<juce::AudioFormatWriter> writer(
-        formats.findFormatForFileExtension(file.getFileExtension())
-            ->createWriterFor(stream.get(), rate, static_cast<unsigned>(audio.getNumChannels()), bits, {},
-                              0));
-    stream.release();
+        format->createWriterFor(new juce::FileOutputStream(file), rate, channels, bits, {}, 0));
     writer->writeFromAudioSampleBuffer(audio, 0, audio.getNumSamples());
     return path;
 }
@@ -116,7 +114,6 @@ inline ReadAudio readAudio(const std::string& path)
     juce::AudioFormatManager formats;
     formats.registerBasicFormats();
     const std::unique_ptr<juce::AudioFormatReader> reader(formats.createReaderFor(juce::File(path)));
-
     if (reader == nullptr)
         return {};
 
