@@ -107,55 +107,46 @@ TEST_P(RandomKernel, InstructionSetsAgree)
     EXPECT_LT(test::maxDifference(uniform, Uniform(-2, 2, 7).generate(10000)), 1e-5);
 }
 
+/** The moments and their deviations are those of the values' powers from 1 on. */
+void expectDistribution(const std::vector<double>& values, double (*getShareBelow)(double bound),
+                        const std::vector<double>& moments, const std::vector<double>& deviations)
+{
+    const auto getMean = [&](auto get)
+    { return std::transform_reduce(values.begin(), values.end(), 0.0, std::plus(), get) / sampleCount; };
+    for (std::size_t i = 0; i < moments.size(); ++i)
+        EXPECT_NEAR(getMean([=](double value) { return std::pow(value, i + 1); }), moments[i],
+                    sixErrors * deviations[i])
+            << "power " << i + 1;
+    for (const double bound : {0.25, 1.0, std::sqrt(3.0), 2.0, 3.0, 4.0})
+    {
+        const double share = 2.0 * getShareBelow(-bound);
+        EXPECT_NEAR(getMean([=](double value) { return std::abs(value) > bound ? 1.0 : 0.0; }), share,
+                    sixErrors * std::sqrt(share * (1.0 - share)))
+            << bound;
+    }
+
+    // A hundred cells of equal probability: neither too uneven nor too even.
+    std::vector<int> counts(100);
+    for (const double value : values)
+        ++counts[static_cast<std::size_t>(std::min(99.0, 100.0 * getShareBelow(value)))];
+    double chiSquare = 0.0;
+    for (const auto count : counts)
+        chiSquare += std::pow(count - sampleCount / 100.0, 2) / (sampleCount / 100.0);
+    EXPECT_NEAR(chiSquare, 99.0, 6.0 * std::sqrt(198.0));
+}
+
 TEST_P(RandomKernel, HasTheStatedDistribution)
 {
-    struct Row
+    for (const auto seed : seeds)
     {
-        const char* name;
-        std::vector<double> (*draw)(unsigned seed);
-        double (*getShareBelow)(double bound);
-        double moments[4], deviations[4]; ///< of the values' powers
-    };
-    const Row rows[] = {{"normal",
-                         drawNormal,
-                         [](double bound) { return 0.5 * std::erfc(-bound / std::sqrt(2.0)); },
-                         {0.0, 1.0, 0.0, 3.0},
-                         {1.0, std::sqrt(2.0), std::sqrt(15.0), std::sqrt(96.0)}},
-                        {"uniform",
-                         drawUniform,
-                         [](double bound) { return std::clamp(0.5 + bound / std::sqrt(12.0), 0.0, 1.0); },
-                         {0.0, 1.0, 0.0, 1.8},
-                         {1.0, std::sqrt(0.8), std::sqrt(27.0 / 7.0), 2.4}}};
-    for (const auto& [name, draw, getShareBelow, moments, deviations] : rows)
-        for (const auto seed : seeds)
-        {
-            SCOPED_TRACE(testing::Message() << name << ", seed " << seed);
-            const auto values = draw(seed);
-            const auto getMean = [&](auto get) {
-                return std::transform_reduce(values.begin(), values.end(), 0.0, std::plus(), get) /
-                       sampleCount;
-            };
-            for (int power = 1; power <= 4; ++power)
-                EXPECT_NEAR(getMean([=](double value) { return std::pow(value, power); }), moments[power - 1],
-                            sixErrors * deviations[power - 1])
-                    << "power " << power;
-            for (const double bound : {0.25, 1.0, std::sqrt(3.0), 2.0, 3.0, 4.0})
-            {
-                const double share = 2.0 * getShareBelow(-bound);
-                EXPECT_NEAR(getMean([=](double value) { return std::abs(value) > bound ? 1.0 : 0.0; }), share,
-                            sixErrors * std::sqrt(share * (1.0 - share)))
-                    << bound;
-            }
-
-            // A hundred cells of equal probability: neither too uneven nor too even.
-            std::vector<int> counts(100);
-            for (const double value : values)
-                ++counts[static_cast<std::size_t>(std::min(99.0, 100.0 * getShareBelow(value)))];
-            double chiSquare = 0.0;
-            for (const auto count : counts)
-                chiSquare += std::pow(count - sampleCount / 100.0, 2) / (sampleCount / 100.0);
-            EXPECT_NEAR(chiSquare, 99.0, 6.0 * std::sqrt(198.0));
-        }
+        SCOPED_TRACE(seed);
+        expectDistribution(drawNormal(seed),
+                           [](double bound) { return 0.5 * std::erfc(-bound / std::sqrt(2.0)); },
+                           {0.0, 1.0, 0.0, 3.0}, {1.0, std::sqrt(2.0), std::sqrt(15.0), std::sqrt(96.0)});
+        expectDistribution(drawUniform(seed),
+                           [](double bound) { return std::clamp(0.5 + bound / std::sqrt(12.0), 0.0, 1.0); },
+                           {0.0, 1.0, 0.0, 1.8}, {1.0, std::sqrt(0.8), std::sqrt(27.0 / 7.0), 2.4});
+    }
     EXPECT_EQ(Normal(2.0f, 0.0f, 3).generate(5), std::vector<float>(5, 2.0f));
     EXPECT_EQ(Uniform(2.0f, 2.0f, 3).generate(5), std::vector<float>(5, 2.0f));
 }

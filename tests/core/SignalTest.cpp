@@ -5,7 +5,6 @@
 
 #include <complex>
 #include <cstdint>
-#include <functional>
 #include <set>
 
 namespace vesk::audio
