@@ -105,10 +105,4 @@ inline float getDifference(Channels first, const Channels& second)
     return getPeak(first);
 }
 
-inline void append(Channels& stream, const Channels& block)
-{
-    for (std::size_t channel = 0; channel < stream.size(); ++channel)
-        stream[channel].insert(stream[channel].end(), block[channel].begin(), block[channel].end());
-}
-
 } // namespace hosts

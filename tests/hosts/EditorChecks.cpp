@@ -67,9 +67,7 @@ int checkEditor(const Loader& load)
         for (int i = 0; i < numOpenings; ++i)
         {
             const auto editor = plugIn->openEditor();
-            checks.expect(editor->getWidth() == 640 && editor->getHeight() == 480,
-                          "the window is 640 by 480, not " + std::to_string(editor->getWidth()) + " by " +
-                              std::to_string(editor->getHeight()));
+            checks.expect(editor->getSize() == std::pair(640, 480), "the window is 640 by 480");
             const int before = audio.getNumBlocks();
             runMessageLoop(millisecondsOpen);
             checks.expect(audio.getNumBlocks() > before, "audio runs on under an open window");

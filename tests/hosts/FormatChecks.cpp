@@ -61,20 +61,23 @@ Channels getPart(const Channels& stream, int start, int length)
 /** Plays a stream through a new instance: a used one has moved on in its random modulation.
 
     @param blockSize  or varyingBlocks: a new length from 1 to the largest for each block */
-Channels playStream(const Loader& load, const Channels& input, double sampleRate, int blockSize)
+Channels playStream(const Loader& load, const Channels& input, double sampleRate, int blockSize,
+                    bool isOffline = false)
 {
     const auto plugIn = load();
-    plugIn->start(sampleRate, blockSize == varyingBlocks ? largestBlock : blockSize);
+    plugIn->start(sampleRate, blockSize == varyingBlocks ? largestBlock : blockSize, isOffline);
     std::minstd_rand lengths(2);
     const auto numSamples = static_cast<int>(input[0].size());
-    Channels stream(2);
+    auto stream = input;
     for (int done = 0; done < numSamples;)
     {
         const int wanted = blockSize != varyingBlocks
                                ? blockSize
                                : std::uniform_int_distribution<int>(1, largestBlock)(lengths);
         const int length = std::min(wanted, numSamples - done);
-        append(stream, play(*plugIn, getPart(input, done, length)));
+        const auto output = play(*plugIn, getPart(input, done, length));
+        for (std::size_t channel = 0; channel < stream.size(); ++channel)
+            std::copy(output[channel].begin(), output[channel].end(), stream[channel].begin() + done);
         done += length;
     }
     plugIn->stop();
@@ -98,6 +101,8 @@ void checkRatesAndBlocks(const Loader& load, Checks& checks)
                       "the output is not the input" + rate);
         checks.expect(getPeak(getPart(expected, half, half)) > 0.01f * noiseAmplitude,
                       "the reverb rings on" + rate);
+        checks.expect(playStream(load, input, sampleRate, usualBlock, true) == expected,
+                      "offline and live are the same" + rate);
         float largest = 0.0f;
         for (const int blockSize : {1, 32, 63, 441, 1024, 4096, varyingBlocks, largestBlock})
         {
@@ -191,6 +196,29 @@ void checkBypass(PlugIn& plugIn, Checks& checks)
     plugIn.stop();
 }
 
+/** A broken plug-in in front of this one must not silence it for good. */
+void checkBrokenInput(PlugIn& plugIn, Checks& checks)
+{
+    constexpr float infinity = std::numeric_limits<float>::infinity();
+    plugIn.start(usualRate, usualBlock);
+    Noise noise;
+    for (const float bad : {std::numeric_limits<float>::quiet_NaN(), infinity, -infinity})
+    {
+        auto block = noise.make(usualBlock);
+        block[0][100] = bad;
+        block[1].back() = bad;
+        auto loudest = getPeak(play(plugIn, block));
+        for (int i = 0; i < 20; ++i)
+            loudest = std::max(loudest, getPeak(play(plugIn, noise.make(usualBlock))));
+        const auto name = std::to_string(bad);
+        checks.expect(loudest < loudestOutput, "a sound level in and behind the block of " + name);
+        const float tail = getPeak(play(plugIn, makeSilence(usualBlock)));
+        checks.expect(tail > 0.01f * noiseAmplitude && tail < loudestOutput,
+                      "the reverb rings on behind the block of " + name);
+    }
+    plugIn.stop();
+}
+
 /** Forty at once, playing on while the others go in no order. */
 void checkInstances(const Loader& load, Checks& checks)
 {
@@ -230,6 +258,7 @@ int checkFormat(const Loader& load, int numPresets)
     checks.expect(plugIn->getNumPrograms() == numPresets, "each preset is a program");
     checkRatesAndBlocks(load, checks);
     checkBypass(*plugIn, checks);
+    checkBrokenInput(*plugIn, checks);
     checkAutomationAndState(*plugIn, checks);
     checkInstances(load, checks);
     return checks.failures;

@@ -23,8 +23,7 @@ public:
         window.setVisible(true);
     }
 
-    int getWidth() const override { return content != nullptr ? content->getWidth() : 0; }
-    int getHeight() const override { return content != nullptr ? content->getHeight() : 0; }
+    std::pair<int, int> getSize() const override { return {window.getWidth(), window.getHeight()}; }
 
 private:
     juce::Component window;
@@ -65,8 +64,9 @@ public:
         checks.expect(setLayout(Set::stereo()), "stereo is accepted");
     }
 
-    void start(double sampleRate, int maximumBlockSize) override
+    void start(double sampleRate, int maximumBlockSize, bool isOffline) override
     {
+        instance->setNonRealtime(isOffline);
         instance->setRateAndBufferSizeDetails(sampleRate, maximumBlockSize);
         instance->prepareToPlay(sampleRate, maximumBlockSize);
     }
@@ -153,7 +153,7 @@ private:
     void checkMono(Checks& checks)
     {
         constexpr int blockSize = 4096;
-        start(48000.0, blockSize);
+        start(48000.0, blockSize, false);
         auto block = Noise().make(blockSize, 1);
         process(block);
         auto silence = Channels(1, std::vector<float>(blockSize));

@@ -11,6 +11,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace hosts
@@ -24,8 +25,9 @@ class Editor
 {
 public:
     virtual ~Editor() = default;
-    virtual int getWidth() const = 0;
-    virtual int getHeight() const = 0;
+
+    /** Width and height in pixels. */
+    virtual std::pair<int, int> getSize() const = 0;
 };
 
 class PlugIn
@@ -36,7 +38,7 @@ public:
     /** Names, numbers of channels and parameters, and what else is fixed. */
     virtual void checkIdentity(Checks&) = 0;
 
-    virtual void start(double sampleRate, int maximumBlockSize) = 0;
+    virtual void start(double sampleRate, int maximumBlockSize, bool isOffline = false) = 0;
     virtual void stop() = 0;
 
     /** One block in place, of up to the maximum length that start was told. */

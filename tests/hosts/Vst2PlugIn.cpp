@@ -5,19 +5,25 @@
 #include <pluginterfaces/fst/aeffect.h>
 #include <pluginterfaces/fst/aeffectx.h>
 
+#include <atomic>
+
 namespace hosts
 {
 namespace
 {
 constexpr t_fstInt32 interfaceVersion = 2400;
 constexpr t_fstInt32 realtimeLevel = 2;
+constexpr t_fstInt32 offlineLevel = 4;
+
+/** What the plug-in asks for as its process level; one for all instances, as in a host that renders a project. */
+std::atomic<t_fstInt32> processLevel{realtimeLevel};
 
 t_fstPtrInt VSTCALLBACK answerPlugIn(AEffect*, t_fstInt32 opcode, t_fstInt32, t_fstPtrInt, void* const, float)
 {
     switch (opcode)
     {
     case audioMasterVersion: return interfaceVersion;
-    case audioMasterGetCurrentProcessLevel: return realtimeLevel;
+    case audioMasterGetCurrentProcessLevel: return processLevel;
     default: return 0;
     }
 }
@@ -51,8 +57,7 @@ public:
         dispatch(effect, effEditClose);
     }
 
-    int getWidth() const override { return window.getWidth(); }
-    int getHeight() const override { return window.getHeight(); }
+    std::pair<int, int> getSize() const override { return {window.getWidth(), window.getHeight()}; }
 
 private:
     static constexpr int idleHz = 30;
@@ -96,8 +101,9 @@ public:
         checks.expect(getProgramName(program) == "Default hall", "it opens on Default hall");
     }
 
-    void start(double sampleRate, int maximumBlockSize) override
+    void start(double sampleRate, int maximumBlockSize, bool isOffline) override
     {
+        processLevel = isOffline ? offlineLevel : realtimeLevel;
         dispatch(effect, effSetSampleRate, 0, 0, nullptr, static_cast<float>(sampleRate));
         dispatch(effect, effSetBlockSize, 0, maximumBlockSize);
         dispatch(effect, effMainsChanged, 0, 1);

@@ -1,10 +1,10 @@
 /** Runs the installed plug-ins as hosts do.
 
-    Usage: ambrel_host PREFIX VST3|LV2|VST2 [window]     one format; with "window" its window alone
-           ambrel_host PREFIX across                     what holds between the formats
+    Usage: ambrel_host PREFIX VST3|LV2|VST2            one format without its window
+           ambrel_host PREFIX VST3|LV2|VST2 window     its window alone, which needs a display
+           ambrel_host PREFIX across                   what holds between the formats
 
-    PREFIX is where the product was installed: formats are looked for below PREFIX/lib. Windows need a display and are
-    left out, with a message, where there is none. */
+    PREFIX is where the product was installed: formats are looked for below PREFIX/lib. */
 #include "tests/hosts/FormatChecks.h"
 
 #include <juce_gui_basics/juce_gui_basics.h>
@@ -13,59 +13,47 @@
 
 namespace
 {
-const std::vector<std::string> formats = {"VST3", "LV2",
-#if AMBREL_HOST_HAS_VST2
-                                          "VST2"
-#endif
-};
-
-hosts::Loader makeLoader(const std::string& format, const std::string& prefix)
+/** Empty for a format that this host does not know. */
+hosts::Loader makeLoader(const std::string& format, const std::string& libraries)
 {
+    if (format == "VST3")
+        return hosts::makeJuceLoader(format, libraries + "/vst3");
+    if (format == "LV2")
+        return hosts::makeJuceLoader(format, libraries + "/lv2");
 #if AMBREL_HOST_HAS_VST2
     if (format == "VST2")
-        return hosts::makeVst2Loader(prefix + "/lib/vst/Ambrel/Ambrel.so");
+        return hosts::makeVst2Loader(libraries + "/vst/Ambrel/Ambrel.so");
 #endif
-    return hosts::makeJuceLoader(format, prefix + (format == "VST3" ? "/lib/vst3" : "/lib/lv2"));
+    return {};
 }
 
-int checkWindow(const hosts::Loader& load)
+int run(const juce::File& prefix, const std::string& what, bool isWindowOnly)
 {
-    if (juce::Desktop::getInstance().isHeadless())
+    const auto libraries = prefix.getChildFile("lib").getFullPathName().toStdString();
+    if (what == "across")
     {
-        std::printf("There is no display: the window is left out\n");
-        return 0;
+        std::vector<hosts::Loader> all;
+        for (const auto* format : {"VST3", "LV2", "VST2"})
+            if (const auto load = makeLoader(format, libraries))
+                all.push_back(load);
+        return hosts::checkAcrossFormats(all);
     }
-    return hosts::checkEditor(load);
-}
 
-int checkOne(const std::string& format, const juce::File& prefix, bool isWindowOnly)
-{
     const hosts::StartUpSign startUp;
-    const auto load = makeLoader(format, prefix.getFullPathName().toStdString());
+    const auto load = makeLoader(what, libraries);
+    if (!load)
+    {
+        std::fprintf(stderr, "This host knows no %s\n", what.c_str());
+        return 1;
+    }
     if (isWindowOnly)
-        return checkWindow(load);
+        return hosts::checkEditor(load);
 
     hosts::Checks checks;
     checks.expect(load() != nullptr && startUp.isThere(), "its start-up code has run");
     const auto presets =
         prefix.getChildFile("share/Ambrel/Presets").findChildFiles(juce::File::findFiles, true, "*.xml");
-    return checks.failures + hosts::checkFormat(load, presets.size()) + checkWindow(load);
-}
-
-int run(const juce::File& prefix, const std::string& what, bool isWindowOnly)
-{
-    std::vector<hosts::Loader> all;
-    for (const auto& format : formats)
-    {
-        if (format == what)
-            return checkOne(format, prefix, isWindowOnly);
-        if (what == "across")
-            all.push_back(makeLoader(format, prefix.getFullPathName().toStdString()));
-    }
-    if (!all.empty())
-        return hosts::checkAcrossFormats(all);
-    std::fprintf(stderr, "This host knows no %s\n", what.c_str());
-    return 1;
+    return checks.failures + hosts::checkFormat(load, presets.size());
 }
 } // namespace
 
