@@ -18,22 +18,15 @@ inline void runMessages(int milliseconds = 5)
     juce::MessageManager::getInstance()->runDispatchLoopUntil(milliseconds);
 }
 
+/** The first child of a class, and of a name if there is one. */
 template <typename ComponentType>
-ComponentType& findChild(juce::Component& parent, const juce::String& name)
-{
-    for (auto* child : parent.getChildren())
-        if (auto* found = dynamic_cast<ComponentType*>(child); found != nullptr && child->getName() == name)
-            return *found;
-    throw std::runtime_error("No child " + name.toStdString());
-}
-
-template <typename ComponentType>
-ComponentType& findChild(juce::Component& parent)
+ComponentType& findChild(juce::Component& parent, const juce::String& name = {})
 {
     for (auto* child : parent.getChildren())
         if (auto* found = dynamic_cast<ComponentType*>(child))
-            return *found;
-    throw std::runtime_error("No child of this class");
+            if (name.isEmpty() || child->getName() == name)
+                return *found;
+    throw std::runtime_error("No child " + name.toStdString());
 }
 
 inline void click(juce::Button& button)
@@ -60,6 +53,14 @@ inline juce::MouseEvent mouseEvent(juce::Component& component, juce::Point<float
             now,
             1,
             false};
+}
+
+inline void drag(juce::Slider& slider, juce::Point<float> from, juce::Point<float> to)
+{
+    constexpr int button = juce::ModifierKeys::leftButtonModifier;
+    slider.mouseDown(mouseEvent(slider, from, button));
+    slider.mouseDrag(mouseEvent(slider, to, button));
+    slider.mouseUp(mouseEvent(slider, to, 0));
 }
 
 /** Items of a menu as text, one a line: id, text, and marks: [x] ticked, [-] greyed, [#] header, [>] sub-menu. */

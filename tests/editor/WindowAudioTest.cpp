@@ -3,7 +3,6 @@
 #include "tests/editor/WindowTest.h"
 
 #include <atomic>
-#include <functional>
 #include <random>
 #include <thread>
 
@@ -96,25 +95,23 @@ private:
     std::thread thread;
 };
 
-/** Turns a knob from one end to the other with the mouse. */
-void drag(juce::Slider& knob, bool upwards)
-{
-    constexpr int button = juce::ModifierKeys::leftButtonModifier;
-    constexpr float wholeWay = 260.0f; // a little more, in pixels
-    const juce::Point<float> start(320.0f, 140.0f);
-    knob.mouseDown(mouseEvent(knob, start, button));
-    knob.mouseDrag(mouseEvent(knob, start.translated(0.0f, upwards ? -wholeWay : wholeWay), button));
-    knob.mouseUp(mouseEvent(knob, start, 0));
-}
 class WindowAudioTest : public WindowTest
 {
 protected:
+    /** From one end to the other. */
+    void turnKnob(bool upwards)
+    {
+        constexpr float wholeWay = 260.0f; // a little more, in pixels
+        const juce::Point<float> start(320.0f, 140.0f);
+        drag(*knob, start, start.translated(0.0f, upwards ? -wholeWay : wholeWay));
+    }
+
     /** Reverb alone, at its brightest, with a steep corner. */
     void setUpTone()
     {
         processor.getBaseProcessor()->setParameterValue(Reverberation::lowPassSlope, 24.0f, false);
         fader->setValue(100.0, juce::sendNotificationSync);
-        drag(*knob, false);
+        turnKnob(false);
         tick();
     }
 };
@@ -126,7 +123,7 @@ TEST_F(WindowAudioTest, soundFollowsTheKnobWithin200Milliseconds)
     Tone tone(processor);
     const auto bright = tone.play(1.0);
 
-    drag(*knob, true);
+    turnKnob(true);
     EXPECT_GT(tone.play(0.2), 0.5f * bright) << "costly changes wait for the timer";
     tick();
     EXPECT_LE(window->getTimerInterval(), 100);
@@ -149,7 +146,7 @@ TEST_F(WindowAudioTest, audioGoesOnWhileResponsesAreRebuilt)
     };
     for (const bool isUpwards : {true, false})
     {
-        drag(*knob, isUpwards);
+        turnKnob(isUpwards);
         EXPECT_TRUE(isHeard(!isUpwards)) << audio.level << " of " << bright;
     }
 
@@ -157,7 +154,7 @@ TEST_F(WindowAudioTest, audioGoesOnWhileResponsesAreRebuilt)
     int mostBlocks = 0;
     for (int round = 0; round < 1000 && mostBlocks < 5; ++round)
     {
-        drag(*knob, round % 2 == 0);
+        turnKnob(round % 2 == 0);
         const int before = audio.blocks;
         window->timerCallback();
         mostBlocks = std::max(mostBlocks, audio.blocks - before);
