@@ -17,6 +17,11 @@ constexpr int longestAlwaysDirect = 32;
 
 /** Below this block length the direct head costs less than short partitions. */
 constexpr int shortestPartition = 32;
+
+/** Slices of the tail: as short as keeps a block's share small, as long as keeps their products fewer than the
+    transforms that they save. */
+constexpr int shortestTailSlice = 1024;
+constexpr int mostTailSlices = 24;
 } // namespace
 
 FirFilter::FirFilter() : directFilter(std::make_unique<IppFirFilter>()) {}
@@ -45,6 +50,7 @@ void FirFilter::setMultipleIRs(const std::vector<Signal32>& responses)
     if (responseCount != numImpulseResponses || channelCount != numChannels)
     {
         partitions.clear();
+        tail.reset();
         blockPartition.reset();
         if (shortHead != nullptr)
         {
@@ -85,11 +91,22 @@ void FirFilter::setMultipleIRs(const std::vector<Signal32>& responses)
         input.resize(wanted);
 }
 
-/** How far before a block the first frame of any partition may start. The last partition can be larger than
-    what it covers of the response, and then looks back further than the response is long. */
+int FirFilter::getTailSliceSize() const
+{
+    int size = shortestTailSlice;
+    while (totalLength > mostTailSlices * size)
+        size *= 2;
+    return size;
+}
+
+/** How far before a block any frame may start, with a tail or without one: a first frame that is aligned starts up to
+    its own length before what the partitions cover. */
 int FirFilter::getLookBack() const
 {
-    return partitions.empty() ? 0 : partitions.back()->offset + partitions.back()->fftSize / 2;
+    if (partitions.empty())
+        return 0;
+    const auto& last = *partitions.back();
+    return last.offset + last.getSize() + 2 * std::max(last.getSize(), getTailSliceSize());
 }
 
 void FirFilter::createBlockPartition()
@@ -144,8 +161,8 @@ void FirFilter::updatePartitionSizes()
     totalLength = length;
 }
 
-/** Brings the partitions in line with the schedule. One of the right size at the right offset is kept, with
-    its queues. */
+/** Brings the partitions in line with the schedule, and the tail with them. A partition of the right size at the
+    right offset is kept, with its queues. */
 void FirFilter::updatePartitions()
 {
     partitions.resize(partitionSizes.size());
@@ -155,26 +172,87 @@ void FirFilter::updatePartitions()
         auto& partition = partitions[i];
         const int size = partitionSizes[i];
         if (partition == nullptr || partition->fftSize != 2 * size || partition->offset != offset)
+        {
             partition = std::make_unique<Partition>(numChannels, numImpulseResponses, offset, size);
-        partition->setImpulseResponses(impulseResponses);
+            partition->alignFrames(position);
+        }
         offset += size;
     }
-    linkPartitions();
+
+    const auto shape = findTailShape();
+    if (shape.numSlices > 0)
+        createTail(shape);
+    else if (tail != nullptr)
+        dropTail();
+    for (std::size_t i = 0; i < countPlayed(); ++i)
+        partitions[i]->setImpulseResponses(impulseResponses);
+    shareSpectra();
 }
 
-/** Lets each partition use the spectra of the first one of its size that computes its frames at once. */
-void FirFilter::linkPartitions()
+/** The tail for the present schedule and head. Its slices are no longer than half its offset, so that it has a
+    frame's time to work. Under a head that is longer than them, some of the partitions may be meant to rest. */
+FirFilter::TailShape FirFilter::findTailShape() const
 {
-    for (auto& partition : partitions)
+    const int size = getTailSliceSize();
+    const auto first = std::find_if(partitions.begin(), partitions.end(),
+                                    [=](const auto& partition) { return partition->offset >= 2 * size; });
+    if (first == partitions.end() || blockPartitionSize > size)
+        return {};
+    const int length = partitions.back()->offset + partitions.back()->getSize() - (*first)->offset;
+    if (length <= size)
+        return {};
+    return {.start = static_cast<std::size_t>(first - partitions.begin()),
+            .size = size,
+            .numSlices = (length + size - 1) / size};
+}
+
+/** A tail of the same slices at the same offset is kept, with its queues. */
+void FirFilter::createTail(const TailShape& shape)
+{
+    tailStart = shape.start;
+    const int offset = partitions[tailStart]->offset;
+    if (tail == nullptr || tail->getSize() != shape.size || tail->offset != offset)
     {
-        const auto isTwin = [&](const auto& other)
-        { return other->fftSize == partition->fftSize && !other->hasSlack(); };
-        const auto first = std::find_if(partitions.begin(), partitions.end(), isTwin);
-        if (blockPartition != nullptr && isTwin(blockPartition))
-            partition->setTwin(blockPartition.get());
-        else
-            partition->setTwin(first != partitions.end() && *first != partition ? first->get() : nullptr);
+        tail = std::make_unique<Partition>(numChannels, numImpulseResponses, offset, shape.size,
+                                           shape.numSlices);
+        tail->alignFrames(position);
     }
+    else if (tail->numSlices != shape.numSlices)
+        tail->setNumSlices(shape.numSlices);
+    tail->setImpulseResponses(impulseResponses);
+}
+
+/** The partitions go on from the history. */
+void FirFilter::dropTail()
+{
+    tail.reset();
+    for (std::size_t i = tailStart; i < partitions.size(); ++i)
+    {
+        partitions[i]->reset();
+        partitions[i]->alignFrames(position);
+    }
+}
+
+/** Transforms each frame once for all that need it: those whose frames start at the same places in the stream. */
+void FirFilter::shareSpectra()
+{
+    std::vector<Partition*> sharing;
+    const auto share = [&](Partition* partition, std::int64_t shift)
+    {
+        if (partition == nullptr || shift % partition->getSize() != 0)
+            return;
+        const auto other = std::find_if(sharing.begin(), sharing.end(),
+                                        [=](const auto* p) { return p->fftSize == partition->fftSize; });
+        if (other != sharing.end())
+            partition->shareSpectra(**other);
+        else
+            sharing.push_back(partition);
+    };
+    for (std::size_t i = 0; i < countPlayed(); ++i)
+        share(partitions[i].get(), partitions[i]->offset);
+    share(blockPartition.get(), position);
+    if (tail != nullptr)
+        share(tail.get(), tail->offset);
 }
 
 //==============================================================================
@@ -196,10 +274,23 @@ void FirFilter::updateBlockSize(int length)
         const bool runs = partition->offset >= blockPartitionSize;
         // What was queued before the pause belongs to another time: the next frames come from the history.
         if (runs && !partition->active)
+        {
             partition->reset();
+            partition->alignFrames(position);
+        }
         partition->active = runs;
     }
-    linkPartitions();
+
+    const auto shape = findTailShape();
+    if (shape.numSlices > 0 && tail == nullptr)
+        createTail(shape);
+    else if (shape.numSlices == 0 && tail != nullptr)
+    {
+        dropTail();
+        for (std::size_t i = tailStart; i < partitions.size(); ++i)
+            partitions[i]->setImpulseResponses(impulseResponses);
+    }
+    shareSpectra();
 }
 
 void FirFilter::chooseHead(int length)
@@ -251,28 +342,33 @@ void FirFilter::runPartitions(const Block& block, std::span<Signal32> outputs)
 {
     int samplesComputed = 0;
     Partition* mostUrgent = nullptr;
-    for (auto& partition : partitions)
+    const auto compute = [&](Partition& partition)
     {
-        if (!partition->active)
-            continue;
         // Of frames that are no longer than the block each block has one, and there is nothing to spread.
-        if (!partition->hasSlack() || partition->fftSize <= 2 * block.length)
+        if (!partition.hasSlack() || partition.fftSize <= 2 * block.length)
         {
-            samplesComputed += partition->computeReadyFrames(block) * partition->fftSize;
-            continue;
+            samplesComputed += partition.computeReadyFrames(block) * partition.fftSize;
+            return;
         }
-        partition->computeDueFrames(block);
+        partition.computeDueFrames(block);
         const auto queued = [](const Partition& p) { return p.queues.front().numSamples; };
-        if (partition->countReadyFrames(block) > 0 &&
-            (mostUrgent == nullptr || queued(*partition) < queued(*mostUrgent)))
-            mostUrgent = partition.get();
-    }
+        if (partition.countReadyFrames(block) > 0 &&
+            (mostUrgent == nullptr || queued(partition) < queued(*mostUrgent)))
+            mostUrgent = &partition;
+    };
+    const auto visitPlaying = [&](auto visit)
+    {
+        for (std::size_t i = 0; i < countPlayed(); ++i)
+            if (partitions[i]->active)
+                visit(*partitions[i]);
+        if (tail != nullptr)
+            visit(*tail);
+    };
+
+    visitPlaying(compute);
     if (mostUrgent != nullptr && samplesComputed <= 2 * std::max(block.length, headLength))
         mostUrgent->advanceReadyFrame(block);
-
-    for (auto& partition : partitions)
-        if (partition->active)
-            partition->addOutputs(outputs);
+    visitPlaying([&](Partition& partition) { partition.addOutputs(outputs); });
 }
 
 void FirFilter::computeMultiple(const Signal32& samples)
@@ -326,8 +422,11 @@ Signal32 FirFilter::processSummed(const Signal32& samples)
 void FirFilter::reset()
 {
     input.clear();
+    position = 0; // so that the same input is cut into the same frames as in a new filter
     for (auto& partition : partitions)
         partition->reset();
+    if (tail != nullptr)
+        tail->reset();
     if (auto* head = getPartitionedHead())
         head->forgetSpectra();
     directFilter->reset();

@@ -17,10 +17,13 @@
     are not mixed on one object.
 
     Load distribution inserts half-size partitions, so that large frames do not all fall on the same block.
-    Partitions behind such a one have time between the end of a frame and the use of its results: their work is
-    done in steps, in blocks that have little else to do.
 
-    Cost: grows with the logarithm of the response length. Thread: one at a time.
+    The schedule of growing sizes is what a large FFT head takes its place in. Under shorter blocks the long
+    partitions are played by a tail: one partition of many equal slices, all of them over the same spectra of the
+    input, with a single transform back. Its results are due a frame later than its input is complete, so it works
+    in small steps, in blocks that have little else to do, and no block pays for a large transform.
+
+    Cost: a few short transforms, and a complex product of spectra for each slice. Thread: one at a time.
 */
 #pragma once
 
@@ -41,8 +44,16 @@ namespace vesk::audio
 class FirFilter
 {
 public:
+    class FrameSpectra;
     class Partition;
     class IppFirFilter;
+
+    /** Of some channels. */
+    struct Spectrum
+    {
+        Signal32 pairs;       ///< of an even number of channels: two arrays for each pair
+        ComplexSignal32 bins; ///< of an odd number
+    };
 
     /** What the partitions are to work on. */
     struct Block
@@ -92,6 +103,8 @@ public:
     std::vector<std::unique_ptr<Partition>> partitions; ///< in schedule order
     std::shared_ptr<Partition> blockPartition;          ///< the FFT head, or empty
     std::shared_ptr<Partition> shortHead;               ///< the head for short blocks, or empty
+    std::unique_ptr<Partition> tail;                    ///< plays the partitions from tailStart on, or empty
+    std::size_t tailStart = 0;
     int numChannels = 0;
     int numImpulseResponses = 0;
     int blockSize = -1;          ///< block length last seen
@@ -109,12 +122,23 @@ private:
     void createBlockPartition();
     void createShortHead(int length);
     void chooseHead(int length);
+    struct TailShape
+    {
+        std::size_t start = 0; ///< first of the partitions that it plays
+        int size = 0;
+        int numSlices = 0; ///< 0: none is wanted
+    };
+    int getTailSliceSize() const;
+    TailShape findTailShape() const;
+    void createTail(const TailShape& shape);
+    void dropTail();
     Partition* getPartitionedHead() const
     {
         return blockPartition != nullptr ? blockPartition.get() : shortHead.get();
     }
+    std::size_t countPlayed() const { return tail != nullptr ? tailStart : partitions.size(); }
     int getLookBack() const;
-    void linkPartitions();
+    void shareSpectra();
     void beginBlock(const Signal32& block);
     void endBlock(int length);
     void computeMultiple(const Signal32& block);
@@ -126,6 +150,44 @@ private:
 
 //==============================================================================
 
+/** The spectra of the input's last frames, for all partitions of one size.
+
+    An even number of channels travels in pairs, each as one complex signal: that saves a pass over the spectra in
+    each direction, and the samples go from and to the channels' own memory. Other channel counts are transformed
+    channel by channel. */
+class FirFilter::FrameSpectra
+{
+public:
+    struct Frame
+    {
+        bool isValid = false;
+        std::int64_t start = 0; ///< in the stream
+        Spectrum spectrum;
+    };
+
+    /** @param frameSize  of a transform, a power of two */
+    FrameSpectra(int numChannels, int frameSize);
+
+    /** Keeps this many frames, if it keeps fewer. */
+    void keep(int numFrames);
+
+    /** Transforms the frame unless it is at hand. The reference is good until the next call. */
+    const Spectrum& get(const Block& block, std::int64_t frameStart);
+
+    /** The input history is another one now. */
+    void forget();
+
+    const int numChannels;
+    const int frameSize;
+
+private:
+    void transform(CircularBuffer<Signal32>& input, int start, Spectrum& spectrum);
+
+    FourierTransform fourierTransform;
+    Signal32 timeBuffer;
+    std::vector<Frame, PoolAllocator<Frame>> frames;
+};
+
 /** One overlap-save convolver for a slice of the responses.
 
     A frame of fftSize samples, the second half of it new, gives fftSize / 2 samples of output. A frame that
@@ -134,18 +196,26 @@ private:
     each frame is computed in the first block that holds its last sample, and waits in a queue.
 
     An offset of 0 is allowed if all blocks are exactly as long as the partition: then one frame for each
-    block, over the block before and this one, yields this block's output (the FFT head). */
+    block, over the block before and this one, yields this block's output (the FFT head).
+
+    A partition can hold several slices of its size, one after the other in the responses: the later ones meet the
+    spectra of earlier frames. */
 class FirFilter::Partition
 {
 public:
-    /** @param offset     where the slice starts in the responses
-        @param size       length of the slice, a power of two
-        @param numSlices  how many slices of this size follow each other; more than one needs an even number of
-                          channels. The spectra of the last frames serve the later slices. */
+    /** @param offset     where the first slice starts in the responses
+        @param size       length of a slice, a power of two */
     Partition(int numChannels, int numImpulseResponses, int offset, int size, int numSlices = 1);
 
     /** Takes the slices. A response that ends before the offset gives silence. The queues stay. */
     void setImpulseResponses(const std::vector<Signal32>& responses);
+
+    /** Another number of slices; the responses are to be set again. */
+    void setNumSlices(int slices);
+
+    /** With nothing queued: lets the frames start at multiples of size in the stream, minus offset, though the next
+        block starts elsewhere. */
+    void alignFrames(std::int64_t blockStart);
 
     /** Result k, as long as outputs[0], for each response; input.readPosition marks the block's start. */
     void process(CircularBuffer<Signal32>& input, std::vector<Signal32>& outputs);
@@ -156,7 +226,7 @@ public:
     // The same in steps, for a FirFilter that chooses when the work is done.
 
     /** Whether results may wait: the slice starts later in the response than its frames end. */
-    bool hasSlack() const { return offset > fftSize / 2; }
+    bool hasSlack() const { return offset > getSize(); }
 
     /** Frames whose input is complete. */
     int countReadyFrames(const Block& block) const;
@@ -168,7 +238,7 @@ public:
     /** Only those without which the block's output would be incomplete. */
     void computeDueFrames(const Block& block);
 
-    /** Takes the next ready frame one step on: its spectrum first, its output second. */
+    /** Works on the next ready frame for as long as to be done with it in half of the blocks till the next one. */
     void advanceReadyFrame(const Block& block);
 
     /** Moves the block's output into outputs, or adds it to them: one for each response, in summed mode one
@@ -176,19 +246,17 @@ public:
     void getOutputs(std::span<Signal32> outputs);
     void addOutputs(std::span<Signal32> outputs);
 
-    /** Another partition of this size that comes first in each block, or null. Where it transforms the same
-        frame its spectrum serves both. */
-    void setTwin(const Partition* partition) { twin = partition; }
+    /** Takes its input's spectra from now on where another partition of this size takes its own. Worth it if their
+        frames start at the same places. */
+    void shareSpectra(const Partition& other);
 
     /** The input history is another one now. */
-    void forgetSpectra()
-    {
-        for (auto& spectrum : spectra)
-            spectrum.isValid = false;
-    }
+    void forgetSpectra();
 
     /** Drops what is queued. */
     void reset();
+
+    int getSize() const { return fftSize / 2; }
 
     // State, open to inspection; active belongs to the FirFilter.
 
@@ -197,45 +265,34 @@ public:
     int fftSize; ///< twice the partition's size
     int impulseResponseLength = 0;
     bool active = true;
-    Signal32 timeBuffer;
-    ComplexSignal32 productSpectrum;
     std::vector<SignalQueue<Signal32>, PoolAllocator<SignalQueue<Signal32>>> queues;
     std::vector<ComplexSignal32, PoolAllocator<ComplexSignal32>>
         irSpectra; ///< response k, slice s at index k * numSlices + s
     int offset;
+    int numSlices;
     FourierTransform fourierTransform;
 
 private:
-    struct FrameSpectrum
-    {
-        bool isValid = false;
-        std::int64_t start = 0;        ///< of the frame in the stream
-        Signal32 pairs;                ///< of an even number of channels: two arrays for each pair
-        ComplexSignal32 inputSpectrum; ///< of an odd number
-    };
-
-    int getSize() const { return fftSize / 2; }
     bool isPaired() const { return numChannels % 2 == 0; }
+    void keepSpectra();
     ComplexSignal32 transformResponse(const Signal32& padded);
     int getLead() const;
-    const FrameSpectrum* findSpectrum(std::int64_t frameStart) const;
-    void prepareSpectrum(const Block& block, std::int64_t frameStart);
+    std::int64_t getFrameStart(const Block& block) const { return block.start - getLead(); }
+    void takeStep(const Block& block);
     void finishFrame(const Block& block);
-    void transformFrame(CircularBuffer<Signal32>& input, int start, FrameSpectrum& spectrum);
-    void multiply(std::int64_t frameStart, int response);
-    void multiplySummed(std::int64_t frameStart);
+    void multiply(const Spectrum& input, int response, int slice);
+    void multiplySummed(const Spectrum& input, int slice);
     const ComplexSignal32& getResponse(int response, int slice) const
     {
         return irSpectra[static_cast<std::size_t>(response * numSlices + slice)];
     }
-    void queueProduct(SignalQueue<Signal32>& queue, int channels);
+    void queueProduct(std::size_t queue, int channels);
 
-    int numSlices;
-    std::vector<FrameSpectrum, PoolAllocator<FrameSpectrum>>
-        spectra; ///< of the last frames, as many as there are slices
-    Signal32
-        pairProducts; ///< in place of productSpectrum for an even number of channels; empty between frames
-    const Partition* twin = nullptr;
+    std::shared_ptr<FrameSpectra> spectra;
+    int samplesToSkip = 0; ///< of the next frame's results: they lie before the first block
+    int slicesDone = 0;    ///< of the next frame
+    std::vector<Spectrum, PoolAllocator<Spectrum>>
+        products; ///< for each queue; pairs only while a frame is worked on
 };
 
 /** The direct-form head: up to 128 taps for each response and channel, over one shared past. */

@@ -1,8 +1,4 @@
 // One overlap-save stage of a FirFilter.
-//
-// An even number of channels travels in pairs, each as one complex signal: that saves a pass over the spectra in
-// each direction, and the samples go from and to the channels' own memory. Other channel counts are transformed
-// channel by channel.
 
 #include "core/VectorOps.h"
 #include "dsp/FirFilter.h"
@@ -46,12 +42,24 @@ void separate(StereoSpectrum<const float> z, int half, std::complex<float>* left
 
 FirFilter::Partition::Partition(int channels, int responses, int start, int size, int slices)
     : numImpulseResponses(responses), numChannels(channels), fftSize(2 * size),
-      queues(static_cast<std::size_t>(responses)), irSpectra(static_cast<std::size_t>(responses * slices)),
-      offset(start), numSlices(slices), spectra(static_cast<std::size_t>(slices))
+      queues(static_cast<std::size_t>(responses)), offset(start), numSlices(0),
+      spectra(std::allocate_shared<FrameSpectra>(PoolAllocator<FrameSpectra>(), channels, fftSize)),
+      products(static_cast<std::size_t>(responses))
 {
-    assert(slices == 1 || isPaired());
     fourierTransform.allocate(fftSize, !isPaired());
+    setNumSlices(slices);
 }
+
+void FirFilter::Partition::setNumSlices(int slices)
+{
+    numSlices = slices;
+    slicesDone = 0;
+    irSpectra.resize(static_cast<std::size_t>(numImpulseResponses * slices));
+    keepSpectra();
+}
+
+/** Results that may wait are worked on while others of this size go ahead by a frame. */
+void FirFilter::Partition::keepSpectra() { spectra->keep(hasSlack() ? numSlices + 1 : numSlices); }
 
 void FirFilter::Partition::setImpulseResponses(const std::vector<Signal32>& responses)
 {
@@ -71,6 +79,7 @@ void FirFilter::Partition::setImpulseResponses(const std::vector<Signal32>& resp
                                padded.getWriteChannelPtr(channel) + getSize(), length));
         irSpectra[i] = transformResponse(padded);
     }
+    slicesDone = 0; // those of the former responses
 }
 
 ComplexSignal32 FirFilter::Partition::transformResponse(const Signal32& padded)
@@ -96,7 +105,12 @@ ComplexSignal32 FirFilter::Partition::transformResponse(const Signal32& padded)
 /** How far before the current block's first sample the next frame starts. */
 int FirFilter::Partition::getLead() const
 {
-    return offset + getSize() - static_cast<int>(queues.front().numSamples);
+    return offset + getSize() + samplesToSkip - static_cast<int>(queues.front().numSamples);
+}
+
+void FirFilter::Partition::alignFrames(std::int64_t blockStart)
+{
+    samplesToSkip = static_cast<int>(blockStart % getSize());
 }
 
 int FirFilter::Partition::countReadyFrames(const Block& block) const
@@ -104,154 +118,114 @@ int FirFilter::Partition::countReadyFrames(const Block& block) const
     return std::max((block.length + getLead()) / getSize() - 1, 0);
 }
 
-void FirFilter::Partition::transformFrame(CircularBuffer<Signal32>& input, int start, FrameSpectrum& spectrum)
-{
-    if (!isPaired())
-    {
-        timeBuffer.ensureDimensions(numChannels, fftSize);
-        spectrum.inputSpectrum.ensureDimensions(numChannels, getSize() + 1);
-        input.peek(start, timeBuffer);
-        fourierTransform.forwardReal(timeBuffer, spectrum.inputSpectrum);
-        return;
-    }
-
-    // Scratch comes from the pool: it is large, and no partition needs it from frame to frame.
-    Signal32 joined;
-    const bool inOnePiece = input.find(0, start, fftSize) != nullptr;
-    if (!inOnePiece)
-    {
-        joined = Signal32(numChannels, fftSize);
-        input.peek(start, joined);
-    }
-    const auto getSource = [&](int channel)
-    { return inOnePiece ? input.find(channel, start, fftSize) : joined.getChannelPtr(channel); };
-
-    spectrum.pairs.ensureDimensions(numChannels, fftSize + 1);
-    for (int channel = 0; channel < numChannels; channel += 2)
-        fourierTransform.forwardStereo(getSource(channel), getSource(channel + 1),
-                                       getPair(spectrum.pairs, channel / 2));
-}
-
-/** Transforms the product back into a block whose handle shows the half that is valid, and queues it. */
-void FirFilter::Partition::queueProduct(SignalQueue<Signal32>& queue, int channels)
-{
-    Signal32 frame(isPaired() ? roundUpToEven(channels) : channels, fftSize);
-    if (isPaired())
-        for (int channel = 0; channel < channels; channel += 2)
-            fourierTransform.inverseStereo(asConst(getPair(pairProducts, channel / 2)),
-                                           frame.getWriteChannelPtr(channel),
-                                           frame.getWriteChannelPtr(channel + 1));
-    else
-        fourierTransform.inverseReal(productSpectrum, frame);
-    pairProducts = {};
-    frame.numChannels = channels;
-    frame.numSamples = getSize();
-    queue.add(frame);
-}
-
-/** The product of a frame's spectra with those of one response, channel by channel. */
-void FirFilter::Partition::multiply(std::int64_t frameStart, int response)
-{
-    if (!isPaired())
-    {
-        const auto& input = findSpectrum(frameStart)->inputSpectrum;
-        productSpectrum.ensureDimensions(numChannels, getSize() + 1);
-        for (int channel = 0; channel < numChannels; ++channel)
-            check(ippsMul_32fc(input.getChannelPtr(channel), getResponse(response, 0).getChannelPtr(channel),
-                               productSpectrum.getWriteChannelPtr(channel), getSize() + 1));
-        return;
-    }
-    pairProducts = Signal32(numChannels, fftSize + 1);
-    for (int slice = 0; slice < numSlices; ++slice)
-    {
-        const auto& pairs = findSpectrum(frameStart - slice * getSize())->pairs;
-        const auto& filter = getResponse(response, slice);
-        for (int channel = 0; channel < numChannels; channel += 2)
-            check(filterStereoSpectrum_32f(getPair(pairs, channel / 2),
-                                           {.leftToLeft = filter.getChannelPtr(channel),
-                                            .rightToRight = filter.getChannelPtr(channel + 1)},
-                                           getPair(pairProducts, channel / 2), getSize(), slice > 0));
-    }
-}
-
-/** The products with all responses, summed over the input channels: one output for each response. */
-void FirFilter::Partition::multiplySummed(std::int64_t frameStart)
-{
-    if (!isPaired())
-    {
-        const auto& input = findSpectrum(frameStart)->inputSpectrum;
-        const int numBins = getSize() + 1;
-        productSpectrum.ensureDimensions(numImpulseResponses, numBins);
-        for (int k = 0; k < numImpulseResponses; ++k)
-        {
-            const auto& response = getResponse(k, 0);
-            auto* sum = productSpectrum.getWriteChannelPtr(k);
-            check(ippsMul_32fc(input.getChannelPtr(0), response.getChannelPtr(0), sum, numBins));
-            for (int channel = 1; channel < numChannels; ++channel)
-                check(ippsAddProduct_32fc(input.getChannelPtr(channel), response.getChannelPtr(channel), sum,
-                                          numBins));
-        }
-        return;
-    }
-    pairProducts = Signal32(roundUpToEven(numImpulseResponses), fftSize + 1);
-    for (int k = 0; k < numImpulseResponses; k += 2)
-        for (int slice = 0; slice < numSlices; ++slice)
-        {
-            // With an odd number of outputs the last one is computed twice.
-            const auto& left = getResponse(k, slice);
-            const auto& right = getResponse(std::min(k + 1, numImpulseResponses - 1), slice);
-            const auto& pairs = findSpectrum(frameStart - slice * getSize())->pairs;
-            for (int channel = 0; channel < numChannels; channel += 2)
-                check(filterStereoSpectrum_32f(getPair(pairs, channel / 2),
-                                               {.leftToLeft = left.getChannelPtr(channel),
-                                                .rightToRight = right.getChannelPtr(channel + 1),
-                                                .rightToLeft = left.getChannelPtr(channel + 1),
-                                                .leftToRight = right.getChannelPtr(channel)},
-                                               getPair(pairProducts, k / 2), getSize(),
-                                               slice > 0 || channel > 0));
-        }
-}
-
 //==============================================================================
 // Frames
 
-/** Null if neither this partition nor its twin has transformed that frame lately. */
-const FirFilter::Partition::FrameSpectrum* FirFilter::Partition::findSpectrum(std::int64_t frameStart) const
+/** The product of one slice of one response with a frame's spectrum, channel by channel. */
+void FirFilter::Partition::multiply(const Spectrum& input, int k, int slice)
 {
-    for (const auto& spectrum : spectra)
-        if (spectrum.isValid && spectrum.start == frameStart)
-            return &spectrum;
-    return twin != nullptr ? twin->findSpectrum(frameStart) : nullptr;
+    const auto& response = getResponse(k, slice);
+    auto& product = products[static_cast<std::size_t>(k)];
+    if (!isPaired())
+    {
+        const auto multiplyBins = slice > 0 ? ippsAddProduct_32fc : ippsMul_32fc;
+        product.bins.ensureDimensions(numChannels, getSize() + 1);
+        for (int channel = 0; channel < numChannels; ++channel)
+            check(multiplyBins(input.bins.getChannelPtr(channel), response.getChannelPtr(channel),
+                               product.bins.getWriteChannelPtr(channel), getSize() + 1));
+        return;
+    }
+    if (slice == 0)
+        product.pairs = Signal32(numChannels, fftSize + 1);
+    for (int channel = 0; channel < numChannels; channel += 2)
+        check(filterStereoSpectrum_32f(getPair(input.pairs, channel / 2),
+                                       {.leftToLeft = response.getChannelPtr(channel),
+                                        .rightToRight = response.getChannelPtr(channel + 1)},
+                                       getPair(product.pairs, channel / 2), getSize(), slice > 0));
 }
 
-void FirFilter::Partition::prepareSpectrum(const Block& block, std::int64_t frameStart)
+/** The products of one slice of all responses, summed over the input channels: one output for each response. */
+void FirFilter::Partition::multiplySummed(const Spectrum& input, int slice)
 {
-    if (findSpectrum(frameStart) != nullptr)
+    auto& product = products.front();
+    if (!isPaired())
+    {
+        product.bins.ensureDimensions(numImpulseResponses, getSize() + 1);
+        for (int k = 0; k < numImpulseResponses; ++k)
+            for (int channel = 0; channel < numChannels; ++channel)
+            {
+                const auto multiplyBins = slice > 0 || channel > 0 ? ippsAddProduct_32fc : ippsMul_32fc;
+                check(multiplyBins(input.bins.getChannelPtr(channel),
+                                   getResponse(k, slice).getChannelPtr(channel),
+                                   product.bins.getWriteChannelPtr(k), getSize() + 1));
+            }
         return;
-    const auto isOlder = [](const FrameSpectrum& a, const FrameSpectrum& b)
-    { return a.isValid != b.isValid ? b.isValid : a.start < b.start; };
-    auto& oldest = *std::min_element(spectra.begin(), spectra.end(), isOlder);
-    transformFrame(block.input, static_cast<int>(frameStart - block.start), oldest);
-    oldest.isValid = true;
-    oldest.start = frameStart;
+    }
+    if (slice == 0)
+        product.pairs = Signal32(roundUpToEven(numImpulseResponses), fftSize + 1);
+    for (int k = 0; k < numImpulseResponses; k += 2)
+    {
+        // With an odd number of outputs the last one is computed twice.
+        const auto& left = getResponse(k, slice);
+        const auto& right = getResponse(std::min(k + 1, numImpulseResponses - 1), slice);
+        for (int channel = 0; channel < numChannels; channel += 2)
+            check(filterStereoSpectrum_32f(getPair(input.pairs, channel / 2),
+                                           {.leftToLeft = left.getChannelPtr(channel),
+                                            .rightToRight = right.getChannelPtr(channel + 1),
+                                            .rightToLeft = left.getChannelPtr(channel + 1),
+                                            .leftToRight = right.getChannelPtr(channel)},
+                                           getPair(product.pairs, k / 2), getSize(),
+                                           slice > 0 || channel > 0));
+    }
+}
+
+/** Transforms a product back into a block whose handle shows the half that is valid, and queues it. */
+void FirFilter::Partition::queueProduct(std::size_t index, int channels)
+{
+    auto& product = products[index];
+    Signal32 frame(isPaired() ? roundUpToEven(channels) : channels, fftSize);
+    if (isPaired())
+        for (int channel = 0; channel < channels; channel += 2)
+            fourierTransform.inverseStereo(asConst(getPair(product.pairs, channel / 2)),
+                                           frame.getWriteChannelPtr(channel),
+                                           frame.getWriteChannelPtr(channel + 1));
+    else
+        fourierTransform.inverseReal(product.bins, frame);
+    product.pairs = {};
+    frame.numChannels = channels;
+    frame.numSamples = getSize();
+    queues[index].add(frame);
+    queues[index].skip(samplesToSkip);
+}
+
+/** The product of one slice, or, after the last one, the transforms back. */
+void FirFilter::Partition::takeStep(const Block& block)
+{
+    if (slicesDone < numSlices)
+    {
+        const int slice = slicesDone++;
+        const auto& input = spectra->get(block, getFrameStart(block) - slice * getSize());
+        if (block.summed)
+            multiplySummed(input, slice);
+        else
+            for (int k = 0; k < numImpulseResponses; ++k)
+                multiply(input, k, slice);
+        return;
+    }
+    if (block.summed)
+        queueProduct(0, numImpulseResponses);
+    else
+        for (std::size_t k = 0; k < queues.size(); ++k)
+            queueProduct(k, numChannels);
+    slicesDone = 0;
+    samplesToSkip = 0;
 }
 
 void FirFilter::Partition::finishFrame(const Block& block)
 {
-    const std::int64_t frameStart = block.start - getLead();
-    for (int slice = 0; slice < numSlices; ++slice)
-        prepareSpectrum(block, frameStart - slice * getSize());
-    if (block.summed)
-    {
-        multiplySummed(frameStart);
-        queueProduct(queues.front(), numImpulseResponses);
-        return;
-    }
-    for (int k = 0; k < numImpulseResponses; ++k)
-    {
-        multiply(frameStart, k);
-        queueProduct(queues[static_cast<std::size_t>(k)], numChannels);
-    }
+    while (slicesDone < numSlices)
+        takeStep(block);
+    takeStep(block);
 }
 
 int FirFilter::Partition::computeReadyFrames(const Block& block)
@@ -270,12 +244,25 @@ void FirFilter::Partition::computeDueFrames(const Block& block)
 
 void FirFilter::Partition::advanceReadyFrame(const Block& block)
 {
-    const std::int64_t frameStart = block.start - getLead();
-    if (findSpectrum(frameStart) != nullptr)
-        finishFrame(block);
-    else
-        prepareSpectrum(block, frameStart);
+    const int blocksTillNext = std::max(getSize() / std::max(block.length, 1), 1);
+    for (int steps = (2 * (numSlices + 1) - 1) / blocksTillNext; steps >= 0; --steps)
+    {
+        const bool isLast = slicesDone == numSlices;
+        takeStep(block);
+        if (isLast)
+            return;
+    }
 }
+
+void FirFilter::Partition::shareSpectra(const Partition& other)
+{
+    spectra = other.spectra;
+    keepSpectra();
+}
+
+void FirFilter::Partition::forgetSpectra() { spectra->forget(); }
+
+//==============================================================================
 
 void FirFilter::Partition::getOutputs(std::span<Signal32> outputs)
 {
@@ -307,6 +294,8 @@ void FirFilter::Partition::reset()
 {
     for (auto& queue : queues)
         queue.clear();
+    slicesDone = 0;
+    samplesToSkip = 0;
     forgetSpectra();
 }
 
