@@ -250,28 +250,6 @@ TEST(AllocationCounter, SeesEveryKindOfCall)
     EXPECT_EQ(counter.getCalls(), 11);
 }
 
-TEST(AllocationCounter, SeesItsOwnThreadOnly)
-{
-    std::atomic<bool> started{false};
-    std::atomic<bool> done{false};
-    std::thread other(
-        [&]
-        {
-            while (!started.load())
-                std::this_thread::yield();
-            ::operator delete(::operator new(50));
-            done.store(true);
-        });
-    {
-        const AllocationCounter counter;
-        started.store(true);
-        while (!done.load())
-            std::this_thread::yield();
-        EXPECT_EQ(counter.getCalls(), 0);
-    }
-    other.join();
-}
-
 TEST(Allocation, NoneForAnyBlockLength)
 {
     for (const int channels : {2, 1})
