@@ -53,18 +53,6 @@ TEST_F(AudioPathTest, PassesEachChannelThroughTheEngine)
     EXPECT_TRUE(engine.lastBypassed);
 }
 
-TEST_F(AudioPathTest, ExceptionSilencesItsBlockOnly)
-{
-    plugIn.prepareToPlay(rate, 16);
-    engine.onProcess = [] { throw std::runtime_error("IPP exception: no errors. "); };
-    ::testing::internal::CaptureStderr();
-    EXPECT_EQ(run(makeBlock(16)).getMagnitude(0, 16), 0.0f);
-    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "IPP exception: no errors. ");
-
-    engine.onProcess = nullptr;
-    EXPECT_EQ(run(makeBlock(16)).getSample(0, 0), 0.5f);
-}
-
 #if JUCE_INTEL
 TEST_F(AudioPathTest, FlushesDenormalsDuringTheBlockOnly)
 {
@@ -143,7 +131,7 @@ TEST_F(AudioPathTest, BuildsFormatsFromTheLibrarysSpeakerNames)
     EXPECT_EQ(TestPlugIn::speakerIdToPosition("tFL"), (SpeakerPosition{-1, 1, 1, vesk::audio::Regular, -1}));
 }
 
-TEST_F(AudioPathTest, AcceptsOneBusWithTheSameSetOnBothSides)
+TEST_F(AudioPathTest, AcceptsOneBusOfUpToEightChannels)
 {
     using Set = juce::AudioChannelSet;
     EXPECT_FALSE(plugIn.setPreferredBusArrangement(true, 1, Set::stereo()));
@@ -151,12 +139,6 @@ TEST_F(AudioPathTest, AcceptsOneBusWithTheSameSetOnBothSides)
     EXPECT_FALSE(plugIn.setPreferredBusArrangement(false, 0, Set::discreteChannels(9)));
     EXPECT_TRUE(plugIn.setPreferredBusArrangement(false, 0, Set::create7point1()));
     EXPECT_EQ(plugIn.getTotalNumInputChannels(), 8);
-
-    juce::AudioProcessor::BusesLayout unequal;
-    unequal.inputBuses.add(Set::mono());
-    unequal.outputBuses.add(Set::stereo());
-    EXPECT_FALSE(plugIn.checkBusesLayoutSupported(unequal));
-
     EXPECT_EQ(plugIn.getChannelLimit("/opt/Grass Valley/EDIUS 9/edius.exe"), 2);
     EXPECT_EQ(plugIn.getChannelLimit("/usr/bin/ardour"), 8);
 }
@@ -194,12 +176,14 @@ TEST_F(AudioPathTest, TakesUpLatencyChangesWhilePlaying)
     EXPECT_EQ(run(makeBlock(16, 3.0f)).getSample(0, 0), 1.5f) << "nothing of the old queue is left";
 }
 
-TEST_F(AudioPathTest, AFailedBlockLeavesTheQueueShort)
+TEST_F(AudioPathTest, AFailedBlockIsSilentAndLeavesTheQueueShort)
 {
     engine.latency = {8, 0, 1.0};
     plugIn.prepareToPlay(rate, 16);
-    engine.onProcess = [] { throw std::runtime_error(""); };
-    run(makeBlock(16));
+    engine.onProcess = [] { throw std::runtime_error("IPP exception: no errors. "); };
+    ::testing::internal::CaptureStderr();
+    EXPECT_EQ(run(makeBlock(16)).getMagnitude(0, 16), 0.0f);
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "IPP exception: no errors. ");
     engine.onProcess = nullptr;
 
     // 8 zeros of the prefill, then the block: 24 are there, 16 go.

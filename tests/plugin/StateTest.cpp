@@ -29,12 +29,6 @@ struct Block : Bytes
 /** A block up to its count. */
 Block header(int count) { return Block("KSEVTSET", 0x10003).integer(count); }
 
-bool restore(TestPlugIn& plugIn, const Bytes& bytes)
-{
-    juce::MemoryInputStream input(bytes.data(), bytes.size(), false);
-    return plugIn.setParameterSettings(input);
-}
-
 class StateTest : public ::testing::Test
 {
 protected:
@@ -108,7 +102,8 @@ TEST_F(StateTest, TreatsOddBlocksAsDocumented)
         engine.effectuations = 0;
         listener.heard.clear();
         plugIn.setCurrentPresetName("old");
-        EXPECT_EQ(restore(plugIn, row.bytes), row.accepted) << row.what;
+        juce::MemoryInputStream input(row.bytes.data(), row.bytes.size(), false);
+        EXPECT_EQ(plugIn.setParameterSettings(input), row.accepted) << row.what;
         EXPECT_EQ(engine.values[0], row.amount) << row.what;
         EXPECT_EQ(engine.effectuations, row.accepted ? 1 : 0) << row.what;
         EXPECT_EQ(listener.heard.size(), row.accepted ? 1u : 0u) << row.what;
