@@ -1,8 +1,7 @@
-/**
-    What all hosts of the tests share: counting failures, blocks of noise, and the sign that the plug-in's start-up
-    code has run.
-*/
+/** What all hosts of the tests share: counting failures, and blocks of noise. */
 #pragma once
+
+#include <juce_audio_basics/juce_audio_basics.h>
 
 #include <algorithm>
 #include <cmath>
@@ -10,11 +9,6 @@
 #include <limits>
 #include <random>
 #include <string>
-#include <vector>
-
-#if defined(__SSE2__)
-#include <xmmintrin.h>
-#endif
 
 namespace hosts
 {
@@ -36,24 +30,7 @@ public:
     int failures = 0;
 };
 
-/** Loading the plug-in runs its start-up code, which turns denormals off on the loading thread: the sign that no
-    linker has left that code out. Clear before loading, ask behind it. */
-class StartUpSign
-{
-public:
-#if defined(__SSE2__)
-    StartUpSign() { _mm_setcsr(_mm_getcsr() & ~denormalBits); }
-    ~StartUpSign() { _mm_setcsr(_mm_getcsr() & ~denormalBits); }
-    bool isThere() const { return (_mm_getcsr() & denormalBits) == denormalBits; }
-
-private:
-    static constexpr unsigned denormalBits = 0x8040;
-#else
-    bool isThere() const { return true; }
-#endif
-};
-
-using Channels = std::vector<std::vector<float>>;
+using Block = juce::AudioBuffer<float>;
 
 constexpr float noiseAmplitude = 0.25f;
 
@@ -64,14 +41,12 @@ constexpr float loudestOutput = 8.0f * noiseAmplitude;
 class Noise
 {
 public:
-    explicit Noise(unsigned seed = 1) : random(seed) {}
-
-    Channels make(int numSamples, std::size_t numChannels = 2)
+    Block make(int numSamples, int numChannels = 2)
     {
-        Channels block(numChannels, std::vector<float>(static_cast<std::size_t>(numSamples)));
-        for (std::size_t sample = 0; sample < block[0].size(); ++sample)
-            for (auto& channel : block)
-                channel[sample] = distribution(random);
+        Block block(numChannels, numSamples);
+        for (int sample = 0; sample < numSamples; ++sample)
+            for (int channel = 0; channel < numChannels; ++channel)
+                block.setSample(channel, sample, distribution(random));
         return block;
     }
 
@@ -80,29 +55,34 @@ private:
     std::uniform_real_distribution<float> distribution{-noiseAmplitude, noiseAmplitude};
 };
 
-inline Channels makeSilence(int numSamples)
+inline Block makeSilence(int numSamples, int numChannels = 2)
 {
-    return Channels(2, std::vector<float>(static_cast<std::size_t>(numSamples)));
+    Block block(numChannels, numSamples);
+    block.clear();
+    return block;
 }
 
 /** The highest sample; infinite if one is not finite. */
-inline float getPeak(const Channels& channels)
+inline float getPeak(const Block& block)
 {
     float peak = 0.0f;
-    for (const auto& channel : channels)
-        for (const float sample : channel)
-            peak = std::max(peak, std::isfinite(sample) ? std::abs(sample)
-                                                        : std::numeric_limits<float>::infinity());
+    for (int channel = 0; channel < block.getNumChannels(); ++channel)
+        for (int i = 0; i < block.getNumSamples(); ++i)
+        {
+            const float sample = std::abs(block.getSample(channel, i));
+            peak = std::max(peak, std::isfinite(sample) ? sample : std::numeric_limits<float>::infinity());
+        }
     return peak;
 }
 
 /** The largest distance of two blocks of the same size. */
-inline float getDifference(Channels first, const Channels& second)
+inline float getDifference(const Block& first, const Block& second)
 {
-    for (std::size_t channel = 0; channel < first.size(); ++channel)
-        for (std::size_t sample = 0; sample < first[channel].size(); ++sample)
-            first[channel][sample] -= second[channel][sample];
-    return getPeak(first);
+    Block difference;
+    difference.makeCopyOf(first);
+    for (int channel = 0; channel < first.getNumChannels(); ++channel)
+        difference.addFrom(channel, 0, second, channel, 0, first.getNumSamples(), -1.0f);
+    return getPeak(difference);
 }
 
 } // namespace hosts

@@ -1,4 +1,4 @@
-#include "tests/hosts/FormatChecks.h"
+#include "tests/hosts/PlugIn.h"
 
 #include <atomic>
 #include <thread>
@@ -67,7 +67,8 @@ int checkEditor(const Loader& load)
         for (int i = 0; i < numOpenings; ++i)
         {
             const auto editor = plugIn->openEditor();
-            checks.expect(editor->getSize() == std::pair(640, 480), "the window is 640 by 480");
+            checks.expect(editor->getLocalBounds() == juce::Rectangle<int>(640, 480),
+                          "the window is 640 by 480");
             const int before = audio.getNumBlocks();
             runMessageLoop(millisecondsOpen);
             checks.expect(audio.getNumBlocks() > before, "audio runs on under an open window");

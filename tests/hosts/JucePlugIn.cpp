@@ -9,26 +9,33 @@ namespace
 constexpr auto stateElement = "IComponent";
 
 /** The window in which a host shows a plug-in's. */
-class JuceEditor : public Editor
+class Window : public juce::Component
 {
 public:
-    explicit JuceEditor(juce::AudioProcessor& plugIn) : content(plugIn.createEditorIfNeeded())
+    explicit Window(juce::AudioProcessor& plugIn) : content(plugIn.createEditorIfNeeded())
     {
         if (content == nullptr)
             return;
-        window.setSize(content->getWidth(), content->getHeight());
-        window.setOpaque(true);
-        window.addAndMakeVisible(*content);
-        window.addToDesktop(0);
-        window.setVisible(true);
+        setSize(content->getWidth(), content->getHeight());
+        setOpaque(true);
+        addAndMakeVisible(*content);
+        addToDesktop(0);
+        setVisible(true);
     }
 
-    std::pair<int, int> getSize() const override { return {window.getWidth(), window.getHeight()}; }
-
 private:
-    juce::Component window;
     std::unique_ptr<juce::AudioProcessorEditor> content;
 };
+
+/** What lies behind a state block is not part of it: the block tells its own length. */
+State trimmed(State state)
+{
+    // Header, two entries, the marker; then the preset's name with a zero at its end.
+    constexpr std::size_t nameOffset = 40;
+    if (state.size() > nameOffset)
+        state.erase(std::next(std::find(state.begin() + nameOffset, state.end(), '\0')), state.end());
+    return state;
+}
 
 class JucePlugIn : public PlugIn
 {
@@ -73,15 +80,10 @@ public:
 
     void stop() override { instance->releaseResources(); }
 
-    void process(Channels& block) override
+    void process(Block& block) override
     {
-        std::vector<float*> pointers;
-        for (auto& channel : block)
-            pointers.push_back(channel.data());
-        juce::AudioBuffer<float> buffer(pointers.data(), static_cast<int>(pointers.size()),
-                                        static_cast<int>(block[0].size()));
         juce::MidiBuffer midi;
-        instance->processBlock(buffer, midi);
+        instance->processBlock(block, midi);
     }
 
     void setParameter(int index, float value) override
@@ -135,7 +137,7 @@ public:
         instance->setStateInformation(wrapped.getData(), static_cast<int>(wrapped.getSize()));
     }
 
-    std::unique_ptr<Editor> openEditor() override { return std::make_unique<JuceEditor>(*instance); }
+    std::unique_ptr<juce::Component> openEditor() override { return std::make_unique<Window>(*instance); }
 
 private:
     static constexpr auto lv2StateStart = "StateString> \"";
@@ -156,7 +158,7 @@ private:
         start(48000.0, blockSize, false);
         auto block = Noise().make(blockSize, 1);
         process(block);
-        auto silence = Channels(1, std::vector<float>(blockSize));
+        auto silence = makeSilence(blockSize, 1);
         process(silence);
         checks.expect(getPeak(block) > 0.5f * noiseAmplitude && getPeak(block) < loudestOutput &&
                           getPeak(silence) > 0.01f * noiseAmplitude,

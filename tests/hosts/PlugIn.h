@@ -1,5 +1,5 @@
 /**
-    A finished plug-in as a host sees it, whatever its format: what the checks of FormatChecks.h are written against.
+    A finished plug-in as a host sees it, whatever its format, and the checks that every format is put to.
 
     Thread: start, stop, programs, states and editors on the message thread, process and setParameter on any one
     other or the same. Changes of parameters, bypass and programs are certain to be heard only in the next block.
@@ -8,10 +8,11 @@
 
 #include "tests/hosts/Checks.h"
 
+#include <juce_gui_basics/juce_gui_basics.h>
+
 #include <functional>
 #include <memory>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace hosts
@@ -19,16 +20,6 @@ namespace hosts
 
 /** The plug-in's own state block, without what a format wraps around it. */
 using State = std::vector<char>;
-
-/** An open window of a plug-in. Closes it when it goes. */
-class Editor
-{
-public:
-    virtual ~Editor() = default;
-
-    /** Width and height in pixels. */
-    virtual std::pair<int, int> getSize() const = 0;
-};
 
 class PlugIn
 {
@@ -42,7 +33,7 @@ public:
     virtual void stop() = 0;
 
     /** One block in place, of up to the maximum length that start was told. */
-    virtual void process(Channels&) = 0;
+    virtual void process(Block&) = 0;
 
     /** @param index  0 is ReverbCharacter, 1 is ReverbMix
         @param value  0 to 1 */
@@ -57,8 +48,8 @@ public:
     virtual State getState() = 0;
     virtual void setState(const State&) = 0;
 
-    /** Needs a display. */
-    virtual std::unique_ptr<Editor> openEditor() = 0;
+    /** A window of the plug-in's size, which closes when it goes. Needs a display. */
+    virtual std::unique_ptr<juce::Component> openEditor() = 0;
 };
 
 /** Makes a new instance; empty, with a message on the standard error stream, if there is nothing to load. */
@@ -73,14 +64,21 @@ Loader makeJuceLoader(const std::string& format, const std::string& folder);
 /** A VST2 in a small host over the FST headers. */
 Loader makeVst2Loader(const std::string& file);
 
-/** What lies behind a state block is not part of it: the block tells its own length. */
-inline State trimmed(State state)
-{
-    // Header, two entries, the marker; then the preset's name with a zero at its end.
-    constexpr std::size_t nameOffset = 40;
-    if (state.size() > nameOffset)
-        state.erase(std::next(std::find(state.begin() + nameOffset, state.end(), '\0')), state.end());
-    return state;
-}
+/** What every format is held to: a host's usual life with a plug-in, at every rate and block length that is met in practice,
+    and what goes wrong in hosts at times.
+
+    @param numPresets  how many preset files were installed
+    @return failures */
+int checkFormat(const Loader&, int numPresets);
+
+/** Opens and closes the window while audio runs and parameters move. Needs a display. */
+int checkEditor(const Loader&);
+
+/** What holds between formats: they sound alike, name the same programs and read each other's states. All of them
+    are loaded into this one process. */
+int checkAcrossFormats(const std::vector<Loader>&);
+
+/** Gives a format's message loop time for what it does on its own. */
+void runMessageLoop(int milliseconds);
 
 } // namespace hosts

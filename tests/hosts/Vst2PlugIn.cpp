@@ -1,7 +1,6 @@
 #include "tests/hosts/PlugIn.h"
 
 #include <dlfcn.h>
-#include <juce_gui_basics/juce_gui_basics.h>
 #include <pluginterfaces/fst/aeffect.h>
 #include <pluginterfaces/fst/aeffectx.h>
 
@@ -35,29 +34,27 @@ t_fstPtrInt dispatch(AEffect& effect, int opcode, int index = 0, t_fstPtrInt val
 }
 
 /** The plug-in's window as a child of one of ours. */
-class Vst2Editor : public Editor, private juce::Timer
+class Window : public juce::Component, private juce::Timer
 {
 public:
-    explicit Vst2Editor(AEffect& effectToUse) : effect(effectToUse)
+    explicit Window(AEffect& effectToUse) : effect(effectToUse)
     {
         ERect* area = nullptr;
         dispatch(effect, effEditGetRect, 0, 0, &area);
         if (area != nullptr)
-            window.setSize(area->right - area->left, area->bottom - area->top);
-        window.setOpaque(true);
-        window.addToDesktop(0);
-        window.setVisible(true);
-        dispatch(effect, effEditOpen, 0, 0, window.getWindowHandle());
+            setSize(area->right - area->left, area->bottom - area->top);
+        setOpaque(true);
+        addToDesktop(0);
+        setVisible(true);
+        dispatch(effect, effEditOpen, 0, 0, getWindowHandle());
         startTimerHz(idleHz);
     }
 
-    ~Vst2Editor() override
+    ~Window() override
     {
         stopTimer();
         dispatch(effect, effEditClose);
     }
-
-    std::pair<int, int> getSize() const override { return {window.getWidth(), window.getHeight()}; }
 
 private:
     static constexpr int idleHz = 30;
@@ -65,7 +62,6 @@ private:
     void timerCallback() override { dispatch(effect, effEditIdle); }
 
     AEffect& effect;
-    juce::Component window;
 };
 
 class Vst2PlugIn : public PlugIn
@@ -111,17 +107,12 @@ public:
 
     void stop() override { dispatch(effect, effMainsChanged, 0, 0); }
 
-    void process(Channels& block) override
+    void process(Block& block) override
     {
-        auto output = block;
-        std::vector<float*> inputs;
-        std::vector<float*> outputs;
-        for (auto& channel : block)
-            inputs.push_back(channel.data());
-        for (auto& channel : output)
-            outputs.push_back(channel.data());
-        effect.processReplacing(&effect, inputs.data(), outputs.data(), static_cast<int>(block[0].size()));
-        block = std::move(output);
+        Block input;
+        input.makeCopyOf(block);
+        effect.processReplacing(&effect, const_cast<float**>(input.getArrayOfWritePointers()),
+                                const_cast<float**>(block.getArrayOfWritePointers()), block.getNumSamples());
     }
 
     void setParameter(int index, float value) override { effect.setParameter(&effect, index, value); }
@@ -145,7 +136,7 @@ public:
         dispatch(effect, effSetChunk, 0, static_cast<t_fstPtrInt>(copy.size()), copy.data());
     }
 
-    std::unique_ptr<Editor> openEditor() override { return std::make_unique<Vst2Editor>(effect); }
+    std::unique_ptr<juce::Component> openEditor() override { return std::make_unique<Window>(effect); }
 
 private:
     std::string getText(int opcode, int index = 0)

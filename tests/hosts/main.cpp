@@ -5,9 +5,7 @@
            ambrel_host PREFIX across                   what holds between the formats
 
     PREFIX is where the product was installed: formats are looked for below PREFIX/lib. */
-#include "tests/hosts/FormatChecks.h"
-
-#include <juce_gui_basics/juce_gui_basics.h>
+#include "tests/hosts/PlugIn.h"
 
 #include <cstdlib>
 
@@ -39,7 +37,7 @@ int run(const juce::File& prefix, const std::string& what, bool isWindowOnly)
         return hosts::checkAcrossFormats(all);
     }
 
-    const hosts::StartUpSign startUp;
+    juce::FloatVectorOperations::disableDenormalisedNumberSupport(false);
     const auto load = makeLoader(what, libraries);
     if (!load)
     {
@@ -50,7 +48,11 @@ int run(const juce::File& prefix, const std::string& what, bool isWindowOnly)
         return hosts::checkEditor(load);
 
     hosts::Checks checks;
-    checks.expect(load() != nullptr && startUp.isThere(), "its start-up code has run");
+    checks.expect(load() != nullptr, "it loads");
+#if JUCE_INTEL || JUCE_ARM
+    // Loading the plug-in turns denormals off on this thread: the sign that no linker has left its start-up code out.
+    checks.expect(juce::FloatVectorOperations::areDenormalsDisabled(), "its start-up code has run");
+#endif
     const auto presets =
         prefix.getChildFile("share/Ambrel/Presets").findChildFiles(juce::File::findFiles, true, "*.xml");
     return checks.failures + hosts::checkFormat(load, presets.size());
