@@ -38,21 +38,11 @@ inline void click(juce::Button& button)
 inline juce::MouseEvent mouseEvent(juce::Component& component, juce::Point<float> position, int modifiers)
 {
     const auto now = juce::Time::getCurrentTime();
-    return {juce::Desktop::getInstance().getMainMouseSource(),
-            position,
-            juce::ModifierKeys(modifiers),
-            juce::MouseInputSource::defaultPressure,
-            juce::MouseInputSource::defaultOrientation,
-            juce::MouseInputSource::defaultRotation,
-            juce::MouseInputSource::defaultTiltX,
-            juce::MouseInputSource::defaultTiltY,
-            &component,
-            &component,
-            now,
-            position,
-            now,
-            1,
-            false};
+    using Source = juce::MouseInputSource;
+    return juce::MouseEvent(juce::Desktop::getInstance().getMainMouseSource(), position,
+                            juce::ModifierKeys(modifiers), Source::defaultPressure,
+                            Source::defaultOrientation, Source::defaultRotation, Source::defaultTiltX,
+                            Source::defaultTiltY, &component, &component, now, position, now, 1, false);
 }
 
 inline void drag(juce::Slider& slider, juce::Point<float> from, juce::Point<float> to)
