@@ -227,10 +227,18 @@ struct StereoFilter
     const std::complex<float>* leftToRight = nullptr;
 };
 
-/** dst = src filtered, or dst += src filtered; N = 2 half. What is left in dst's last bin means nothing. Not in
-    place. */
-IppStatus filterStereoSpectrum_32f(StereoSpectrum<const float> src, const StereoFilter& filter,
-                                   StereoSpectrum<float> dst, int half, bool accumulate);
+/** A spectrum and what filters it. */
+struct StereoTerm
+{
+    StereoSpectrum<const float> src;
+    StereoFilter filter;
+};
+
+/** dst = the sum of the terms, each filtered, or dst += that sum; N = 2 half. Either all filters cross or none. What
+    is left in dst's last bin means nothing. Not in place.
+    @param terms  not empty */
+IppStatus filterStereoSpectra_32f(std::span<const StereoTerm> terms, StereoSpectrum<float> dst, int half,
+                                  bool accumulate);
 
 //==============================================================================
 // FIR filters, single rate, direct form.

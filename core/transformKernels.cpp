@@ -240,16 +240,20 @@ IppStatus ippsFFTFwd_CToC_32f(const float* srcRe, const float* srcIm, float* dst
     return ippStsNoErr;
 }
 
-IppStatus filterStereoSpectrum_32f(StereoSpectrum<const float> src, const StereoFilter& filter,
-                                   StereoSpectrum<float> dst, int half, bool accumulate)
+IppStatus filterStereoSpectra_32f(std::span<const StereoTerm> terms, StereoSpectrum<float> dst, int half,
+                                  bool accumulate)
 {
-    if (src.re == nullptr || src.im == nullptr || dst.re == nullptr || dst.im == nullptr ||
-        filter.leftToLeft == nullptr || filter.rightToRight == nullptr ||
-        (filter.rightToLeft == nullptr) != (filter.leftToRight == nullptr))
-        return ippStsNullPtrErr;
-    if (half < 1)
+    if (half < 1 || terms.empty())
         return ippStsSizeErr;
-    getKernels().filterStereo(src, filter, dst, static_cast<std::size_t>(half), accumulate);
+    if (dst.re == nullptr || dst.im == nullptr)
+        return ippStsNullPtrErr;
+    const bool crosses = terms.front().filter.rightToLeft != nullptr;
+    for (const auto& [src, filter] : terms)
+        if (src.re == nullptr || src.im == nullptr || filter.leftToLeft == nullptr ||
+            filter.rightToRight == nullptr || (filter.rightToLeft != nullptr) != crosses ||
+            (filter.leftToRight != nullptr) != crosses)
+            return ippStsNullPtrErr;
+    getKernels().filterStereo(terms, dst, static_cast<std::size_t>(half), accumulate);
     return ippStsNoErr;
 }
 

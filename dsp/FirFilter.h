@@ -171,8 +171,10 @@ public:
     /** Keeps this many frames, if it keeps fewer. */
     void keep(int numFrames);
 
-    /** Transforms the frame unless it is at hand. The reference is good until the next call. */
-    const Spectrum& get(const Block& block, std::int64_t frameStart);
+    /** Frames that start a hop of half a frame apart, the newest one first; those that are not at hand are
+        transformed now.
+        @param result  as many as it is long, at most as many as are kept; good until the next call */
+    void get(const Block& block, std::int64_t newestStart, std::span<const Spectrum*> result);
 
     /** The input history is another one now. */
     void forget();
@@ -181,6 +183,7 @@ public:
     const int frameSize;
 
 private:
+    Frame& find(std::int64_t start, std::int64_t oldestKept, std::int64_t newestKept);
     void transform(CircularBuffer<Signal32>& input, int start, Spectrum& spectrum);
 
     FourierTransform fourierTransform;
@@ -278,10 +281,11 @@ private:
     ComplexSignal32 transformResponse(const Signal32& padded);
     int getLead() const;
     std::int64_t getFrameStart(const Block& block) const { return block.start - getLead(); }
-    void takeStep(const Block& block);
+    void multiplySlices(const Block& block, int count);
+    void multiply(int response, int firstSlice);
+    void multiplySummed(int firstSlice);
+    void addProducts(int response, int channel, int firstSlice, std::complex<float>* sum, bool accumulate);
     void finishFrame(const Block& block);
-    void multiply(const Spectrum& input, int response, int slice);
-    void multiplySummed(const Spectrum& input, int slice);
     const ComplexSignal32& getResponse(int response, int slice) const
     {
         return irSpectra[static_cast<std::size_t>(response * numSlices + slice)];
@@ -289,6 +293,8 @@ private:
     void queueProduct(std::size_t queue, int channels);
 
     std::shared_ptr<FrameSpectra> spectra;
+    std::vector<const Spectrum*, PoolAllocator<const Spectrum*>> inputs; ///< of this step
+    std::vector<StereoTerm, PoolAllocator<StereoTerm>> terms;            ///< scratch
     int samplesToSkip = 0; ///< of the next frame's results: they lie before the first block
     int slicesDone = 0;    ///< of the next frame
     std::vector<Spectrum, PoolAllocator<Spectrum>>

@@ -55,11 +55,17 @@ void FirFilter::Partition::setNumSlices(int slices)
     numSlices = slices;
     slicesDone = 0;
     irSpectra.resize(static_cast<std::size_t>(numImpulseResponses * slices));
+    inputs.reserve(static_cast<std::size_t>(slices));
+    terms.reserve(static_cast<std::size_t>(slices * roundUpToEven(numChannels) / 2));
     keepSpectra();
 }
 
-/** Results that may wait are worked on while others of this size go ahead by a frame. */
-void FirFilter::Partition::keepSpectra() { spectra->keep(hasSlack() ? numSlices + 1 : numSlices); }
+/** While results wait to be worked on, others of this size go ahead. */
+void FirFilter::Partition::keepSpectra()
+{
+    const int framesAhead = (offset + getSize() - 1) / getSize() - 1;
+    spectra->keep(numSlices > 1 && hasSlack() ? numSlices + framesAhead : numSlices);
+}
 
 void FirFilter::Partition::setImpulseResponses(const std::vector<Signal32>& responses)
 {
@@ -121,31 +127,35 @@ int FirFilter::Partition::countReadyFrames(const Block& block) const
 //==============================================================================
 // Frames
 
-/** The product of one slice of one response with a frame's spectrum, channel by channel. */
-void FirFilter::Partition::multiply(const Spectrum& input, int k, int slice)
+/** The products of this step's slices of one response with the spectra that they meet, channel by channel. */
+void FirFilter::Partition::multiply(int k, int firstSlice)
 {
-    const auto& response = getResponse(k, slice);
     auto& product = products[static_cast<std::size_t>(k)];
     if (!isPaired())
     {
-        const auto multiplyBins = slice > 0 ? ippsAddProduct_32fc : ippsMul_32fc;
         product.bins.ensureDimensions(numChannels, getSize() + 1);
         for (int channel = 0; channel < numChannels; ++channel)
-            check(multiplyBins(input.bins.getChannelPtr(channel), response.getChannelPtr(channel),
-                               product.bins.getWriteChannelPtr(channel), getSize() + 1));
+            addProducts(k, channel, firstSlice, product.bins.getWriteChannelPtr(channel), firstSlice > 0);
         return;
     }
-    if (slice == 0)
+    if (firstSlice == 0)
         product.pairs = Signal32(numChannels, fftSize + 1);
     for (int channel = 0; channel < numChannels; channel += 2)
-        check(filterStereoSpectrum_32f(getPair(input.pairs, channel / 2),
-                                       {.leftToLeft = response.getChannelPtr(channel),
-                                        .rightToRight = response.getChannelPtr(channel + 1)},
-                                       getPair(product.pairs, channel / 2), getSize(), slice > 0));
+    {
+        terms.clear();
+        for (int slice = firstSlice; const auto* input : inputs)
+        {
+            const auto& response = getResponse(k, slice++);
+            terms.push_back({.src = getPair(input->pairs, channel / 2),
+                             .filter = {.leftToLeft = response.getChannelPtr(channel),
+                                        .rightToRight = response.getChannelPtr(channel + 1)}});
+        }
+        check(filterStereoSpectra_32f(terms, getPair(product.pairs, channel / 2), getSize(), firstSlice > 0));
+    }
 }
 
-/** The products of one slice of all responses, summed over the input channels: one output for each response. */
-void FirFilter::Partition::multiplySummed(const Spectrum& input, int slice)
+/** The same for all responses, summed over the input channels: one output for each response. */
+void FirFilter::Partition::multiplySummed(int firstSlice)
 {
     auto& product = products.front();
     if (!isPaired())
@@ -153,29 +163,42 @@ void FirFilter::Partition::multiplySummed(const Spectrum& input, int slice)
         product.bins.ensureDimensions(numImpulseResponses, getSize() + 1);
         for (int k = 0; k < numImpulseResponses; ++k)
             for (int channel = 0; channel < numChannels; ++channel)
-            {
-                const auto multiplyBins = slice > 0 || channel > 0 ? ippsAddProduct_32fc : ippsMul_32fc;
-                check(multiplyBins(input.bins.getChannelPtr(channel),
-                                   getResponse(k, slice).getChannelPtr(channel),
-                                   product.bins.getWriteChannelPtr(k), getSize() + 1));
-            }
+                addProducts(k, channel, firstSlice, product.bins.getWriteChannelPtr(k),
+                            firstSlice > 0 || channel > 0);
         return;
     }
-    if (slice == 0)
+    if (firstSlice == 0)
         product.pairs = Signal32(roundUpToEven(numImpulseResponses), fftSize + 1);
     for (int k = 0; k < numImpulseResponses; k += 2)
     {
         // With an odd number of outputs the last one is computed twice.
-        const auto& left = getResponse(k, slice);
-        const auto& right = getResponse(std::min(k + 1, numImpulseResponses - 1), slice);
-        for (int channel = 0; channel < numChannels; channel += 2)
-            check(filterStereoSpectrum_32f(getPair(input.pairs, channel / 2),
-                                           {.leftToLeft = left.getChannelPtr(channel),
+        const int next = std::min(k + 1, numImpulseResponses - 1);
+        terms.clear();
+        for (int slice = firstSlice; const auto* input : inputs)
+        {
+            const auto& left = getResponse(k, slice);
+            const auto& right = getResponse(next, slice++);
+            for (int channel = 0; channel < numChannels; channel += 2)
+                terms.push_back({.src = getPair(input->pairs, channel / 2),
+                                 .filter = {.leftToLeft = left.getChannelPtr(channel),
                                             .rightToRight = right.getChannelPtr(channel + 1),
                                             .rightToLeft = left.getChannelPtr(channel + 1),
-                                            .leftToRight = right.getChannelPtr(channel)},
-                                           getPair(product.pairs, k / 2), getSize(),
-                                           slice > 0 || channel > 0));
+                                            .leftToRight = right.getChannelPtr(channel)}});
+        }
+        check(filterStereoSpectra_32f(terms, getPair(product.pairs, k / 2), getSize(), firstSlice > 0));
+    }
+}
+
+/** For an odd number of channels: this step's products of one channel of one response. */
+void FirFilter::Partition::addProducts(int k, int channel, int firstSlice, std::complex<float>* sum,
+                                       bool accumulate)
+{
+    for (int slice = firstSlice; const auto* input : inputs)
+    {
+        const auto multiplyBins = accumulate ? ippsAddProduct_32fc : ippsMul_32fc;
+        check(multiplyBins(input->bins.getChannelPtr(channel), getResponse(k, slice++).getChannelPtr(channel),
+                           sum, getSize() + 1));
+        accumulate = true;
     }
 }
 
@@ -198,20 +221,24 @@ void FirFilter::Partition::queueProduct(std::size_t index, int channels)
     queues[index].skip(samplesToSkip);
 }
 
-/** The product of one slice, or, after the last one, the transforms back. */
-void FirFilter::Partition::takeStep(const Block& block)
+/** The products of the frame's next slices. */
+void FirFilter::Partition::multiplySlices(const Block& block, int count)
+{
+    const int first = slicesDone;
+    slicesDone = std::min(slicesDone + count, numSlices);
+    inputs.resize(static_cast<std::size_t>(slicesDone - first));
+    spectra->get(block, getFrameStart(block) - first * getSize(), inputs);
+    if (block.summed)
+        multiplySummed(first);
+    else
+        for (int k = 0; k < numImpulseResponses; ++k)
+            multiply(k, first);
+}
+
+void FirFilter::Partition::finishFrame(const Block& block)
 {
     if (slicesDone < numSlices)
-    {
-        const int slice = slicesDone++;
-        const auto& input = spectra->get(block, getFrameStart(block) - slice * getSize());
-        if (block.summed)
-            multiplySummed(input, slice);
-        else
-            for (int k = 0; k < numImpulseResponses; ++k)
-                multiply(input, k, slice);
-        return;
-    }
+        multiplySlices(block, numSlices);
     if (block.summed)
         queueProduct(0, numImpulseResponses);
     else
@@ -219,13 +246,6 @@ void FirFilter::Partition::takeStep(const Block& block)
             queueProduct(k, numChannels);
     slicesDone = 0;
     samplesToSkip = 0;
-}
-
-void FirFilter::Partition::finishFrame(const Block& block)
-{
-    while (slicesDone < numSlices)
-        takeStep(block);
-    takeStep(block);
 }
 
 int FirFilter::Partition::computeReadyFrames(const Block& block)
@@ -244,14 +264,14 @@ void FirFilter::Partition::computeDueFrames(const Block& block)
 
 void FirFilter::Partition::advanceReadyFrame(const Block& block)
 {
-    const int blocksTillNext = std::max(getSize() / std::max(block.length, 1), 1);
-    for (int steps = (2 * (numSlices + 1) - 1) / blocksTillNext; steps >= 0; --steps)
+    if (slicesDone == numSlices)
     {
-        const bool isLast = slicesDone == numSlices;
-        takeStep(block);
-        if (isLast)
-            return;
+        finishFrame(block);
+        return;
     }
+    // The transform back counts as one more slice.
+    const int blocksTillNext = std::max(getSize() / std::max(block.length, 1), 1);
+    multiplySlices(block, (2 * (numSlices + 1) + blocksTillNext - 1) / blocksTillNext);
 }
 
 void FirFilter::Partition::shareSpectra(const Partition& other)

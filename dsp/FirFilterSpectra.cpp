@@ -2,7 +2,7 @@
 
 #include "dsp/FirFilter.h"
 
-#include <algorithm>
+#include <cassert>
 
 namespace vesk::audio
 {
@@ -19,20 +19,43 @@ void FirFilter::FrameSpectra::keep(int numFrames)
         frames.resize(static_cast<std::size_t>(numFrames));
 }
 
-const FirFilter::Spectrum& FirFilter::FrameSpectra::get(const Block& block, std::int64_t frameStart)
+/** The frame itself, or the one that gives way to it: the oldest one outside of those that are kept. */
+FirFilter::FrameSpectra::Frame& FirFilter::FrameSpectra::find(std::int64_t start, std::int64_t oldestKept,
+                                                              std::int64_t newestKept)
 {
-    Frame* oldest = &frames.front();
+    Frame* oldest = nullptr;
     for (auto& frame : frames)
     {
-        if (frame.isValid && frame.start == frameStart)
-            return frame.spectrum;
-        if (oldest->isValid && (!frame.isValid || frame.start < oldest->start))
+        if (frame.isValid && frame.start == start)
+            return frame;
+        if (frame.isValid && frame.start >= oldestKept && frame.start <= newestKept)
+            continue;
+        if (oldest == nullptr || (oldest->isValid && (!frame.isValid || frame.start < oldest->start)))
             oldest = &frame;
     }
-    transform(block.input, static_cast<int>(frameStart - block.start), oldest->spectrum);
-    oldest->isValid = true;
-    oldest->start = frameStart;
-    return oldest->spectrum;
+    assert(oldest != nullptr);
+    oldest->isValid = false;
+    return *oldest;
+}
+
+void FirFilter::FrameSpectra::get(const Block& block, std::int64_t newestStart,
+                                  std::span<const Spectrum*> result)
+{
+    const int hop = frameSize / 2;
+    const std::int64_t oldestStart = newestStart - static_cast<std::int64_t>(result.size() - 1) * hop;
+    std::int64_t start = newestStart;
+    for (auto& spectrum : result)
+    {
+        Frame& frame = find(start, oldestStart, newestStart);
+        if (!frame.isValid)
+        {
+            transform(block.input, static_cast<int>(start - block.start), frame.spectrum);
+            frame.isValid = true;
+            frame.start = start;
+        }
+        spectrum = &frame.spectrum;
+        start -= hop;
+    }
 }
 
 void FirFilter::FrameSpectra::forget()

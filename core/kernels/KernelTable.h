@@ -20,7 +20,7 @@ struct FeedbackFrame;
 struct FeedbackLines;
 struct FirInput;
 struct MovingRead;
-struct StereoFilter;
+struct StereoTerm;
 template <typename T>
 struct StereoSpectrum;
 } // namespace vesk::audio
@@ -65,8 +65,8 @@ struct KernelTable
     void (*inverseRealTransform)(const Complex* src, float* dst, const FftTables& tables, float* work);
     void (*complexTransform)(const float* srcRe, const float* srcIm, float* dstRe, float* dstIm,
                              const FftTables& tables, float* work);
-    void (*filterStereo)(StereoSpectrum<const float> z, const StereoFilter& filter, StereoSpectrum<float> w,
-                         std::size_t half, bool accumulate);
+    void (*filterStereo)(std::span<const StereoTerm> terms, StereoSpectrum<float> w, std::size_t half,
+                         bool accumulate);
 
     /** The sum of the filtered inputs, at least one, all with filters of one length. */
     void (*fir)(const FirInput* inputs, std::size_t count, float* dst, std::size_t n);

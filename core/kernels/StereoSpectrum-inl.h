@@ -17,6 +17,8 @@
 
 #include "core/kernels/Transform-inl.h"
 
+#include <span>
+
 HWY_BEFORE_NAMESPACE();
 namespace vesk::audio::kernels
 {
@@ -41,30 +43,34 @@ HWY_INLINE ComplexVector<V> multiplyAdd(ComplexVector<V> a, ComplexVector<V> b, 
 }
 
 /** A vector of bins from bin k on, k + lanes at most half, and their mirror images. */
-template <bool crossed, bool accumulate, class D>
-HWY_INLINE void filterStereoBins(D d, StereoSpectrum<const float> z, const StereoFilter& filter,
-                                 StereoSpectrum<float> w, std::size_t half, std::size_t k)
+template <bool crossed, class D>
+HWY_INLINE void filterStereoBins(D d, std::span<const StereoTerm> terms, StereoSpectrum<float> w,
+                                 std::size_t half, std::size_t k, bool accumulate)
 {
     using V = hn::VFromD<D>;
     const std::size_t mirrored = 2 * half - k - (hn::Lanes(d) - 1);
-    const ComplexVector<V> a{hn::LoadU(d, z.re + k), hn::LoadU(d, z.im + k)};
-    const ComplexVector<V> b{hn::Reverse(d, hn::LoadU(d, z.re + mirrored)),
-                             hn::Reverse(d, hn::LoadU(d, z.im + mirrored))};
-    const ComplexVector<V> left{hn::Add(a.re, b.re), hn::Sub(a.im, b.im)};
-    const ComplexVector<V> right{hn::Add(a.im, b.im), hn::Sub(b.re, a.re)};
-
-    auto newLeft = left * loadInterleaved(d, filter.leftToLeft + k);
-    auto newRight = right * loadInterleaved(d, filter.rightToRight + k);
-    if constexpr (crossed)
+    ComplexVector<V> newLeft{hn::Zero(d), hn::Zero(d)};
+    auto newRight = newLeft;
+    for (const auto& [z, filter] : terms)
     {
-        newLeft = multiplyAdd(right, loadInterleaved(d, filter.rightToLeft + k), newLeft);
-        newRight = multiplyAdd(left, loadInterleaved(d, filter.leftToRight + k), newRight);
+        const ComplexVector<V> a{hn::LoadU(d, z.re + k), hn::LoadU(d, z.im + k)};
+        const ComplexVector<V> b{hn::Reverse(d, hn::LoadU(d, z.re + mirrored)),
+                                 hn::Reverse(d, hn::LoadU(d, z.im + mirrored))};
+        const ComplexVector<V> left{hn::Add(a.re, b.re), hn::Sub(a.im, b.im)};
+        const ComplexVector<V> right{hn::Add(a.im, b.im), hn::Sub(b.re, a.re)};
+        newLeft = multiplyAdd(left, loadInterleaved(d, filter.leftToLeft + k), newLeft);
+        newRight = multiplyAdd(right, loadInterleaved(d, filter.rightToRight + k), newRight);
+        if constexpr (crossed)
+        {
+            newLeft = multiplyAdd(right, loadInterleaved(d, filter.rightToLeft + k), newLeft);
+            newRight = multiplyAdd(left, loadInterleaved(d, filter.leftToRight + k), newRight);
+        }
     }
 
     ComplexVector<V> low{hn::Sub(newLeft.re, newRight.im), hn::Add(newLeft.im, newRight.re)};
     ComplexVector<V> high{hn::Reverse(d, hn::Add(newLeft.re, newRight.im)),
                           hn::Reverse(d, hn::Sub(newRight.re, newLeft.im))};
-    if constexpr (accumulate)
+    if (accumulate)
     {
         low = low + ComplexVector<V>{hn::LoadU(d, w.re + k), hn::LoadU(d, w.im + k)};
         high = high + ComplexVector<V>{hn::LoadU(d, w.re + mirrored), hn::LoadU(d, w.im + mirrored)};
@@ -75,42 +81,45 @@ HWY_INLINE void filterStereoBins(D d, StereoSpectrum<const float> z, const Stere
     hn::StoreU(high.im, d, w.im + mirrored);
 }
 
-template <bool crossed, bool accumulate>
-HWY_INLINE void filterStereoSpectrum(StereoSpectrum<const float> z, const StereoFilter& filter,
-                                     StereoSpectrum<float> w, std::size_t half)
+template <bool crossed>
+HWY_INLINE void filterStereoSpectra(std::span<const StereoTerm> terms, StereoSpectrum<float> w,
+                                    std::size_t half, bool accumulate)
 {
     const hn::ScalableTag<float> d;
     const hn::CappedTag<float, 1> single;
     const std::size_t lanes = hn::Lanes(d);
     std::size_t k = 0;
     for (; k + lanes <= half; k += lanes)
-        filterStereoBins<crossed, accumulate>(d, z, filter, w, half, k);
+        filterStereoBins<crossed>(d, terms, w, half, k, accumulate);
     for (; k < half; ++k)
-        filterStereoBins<crossed, accumulate>(single, z, filter, w, half, k);
+        filterStereoBins<crossed>(single, terms, w, half, k, accumulate);
 
     // The middle bin is its own mirror image, and real in both signals and responses.
-    const float left = 2.0f * z.re[half];
-    const float right = 2.0f * z.im[half];
-    float newLeft = left * filter.leftToLeft[half].real();
-    float newRight = right * filter.rightToRight[half].real();
-    if constexpr (crossed)
+    float newLeft = accumulate ? w.re[half] : 0.0f;
+    float newRight = accumulate ? w.im[half] : 0.0f;
+    for (const auto& [z, filter] : terms)
     {
-        newLeft += right * filter.rightToLeft[half].real();
-        newRight += left * filter.leftToRight[half].real();
+        const float left = 2.0f * z.re[half];
+        const float right = 2.0f * z.im[half];
+        newLeft += left * filter.leftToLeft[half].real();
+        newRight += right * filter.rightToRight[half].real();
+        if constexpr (crossed)
+        {
+            newLeft += right * filter.rightToLeft[half].real();
+            newRight += left * filter.leftToRight[half].real();
+        }
     }
-    w.re[half] = accumulate ? w.re[half] + newLeft : newLeft;
-    w.im[half] = accumulate ? w.im[half] + newRight : newRight;
+    w.re[half] = newLeft;
+    w.im[half] = newRight;
 }
 
-HWY_INLINE void filterStereo(StereoSpectrum<const float> z, const StereoFilter& filter,
-                             StereoSpectrum<float> w, std::size_t half, bool accumulate)
+HWY_INLINE void filterStereo(std::span<const StereoTerm> terms, StereoSpectrum<float> w, std::size_t half,
+                             bool accumulate)
 {
-    if (filter.rightToLeft == nullptr)
-        accumulate ? filterStereoSpectrum<false, true>(z, filter, w, half)
-                   : filterStereoSpectrum<false, false>(z, filter, w, half);
+    if (terms.front().filter.rightToLeft == nullptr)
+        filterStereoSpectra<false>(terms, w, half, accumulate);
     else
-        accumulate ? filterStereoSpectrum<true, true>(z, filter, w, half)
-                   : filterStereoSpectrum<true, false>(z, filter, w, half);
+        filterStereoSpectra<true>(terms, w, half, accumulate);
 }
 
 } // namespace HWY_NAMESPACE

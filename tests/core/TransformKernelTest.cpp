@@ -188,17 +188,19 @@ TEST_P(TransformKernel, FiltersTwoSignalsAsFourCircularConvolutionsDo)
         Samples productRe(n + 1), productIm(n + 1);
         const StereoSpectrum<float> product{productRe.data(), productIm.data()};
         const StereoSpectrum<const float> source{re.data(), im.data()};
-        ASSERT_EQ(filterStereoSpectrum_32f(source, crossed, product, length / 2, false), ippStsNoErr);
-        ASSERT_EQ(filterStereoSpectrum_32f(source, channelwise, product, length / 2, true), ippStsNoErr);
+        const StereoTerm crossedTerm[] = {{source, crossed}};
+        const StereoTerm channelwiseTerms[] = {{source, channelwise}, {source, channelwise}};
+        ASSERT_EQ(filterStereoSpectra_32f(crossedTerm, product, length / 2, false), ippStsNoErr);
+        ASSERT_EQ(filterStereoSpectra_32f(channelwiseTerms, product, length / 2, true), ippStsNoErr);
 
         // The inverse has real and imaginary parts exchanged; the product's separation doubles.
         Samples outLeft(n), outRight(n);
         transform.run(productIm.data(), productRe.data(), outRight.data(), outLeft.data());
         std::vector<double> expectedLeft(n), expectedRight(n);
         const double scale = 2.0 * static_cast<double>(n);
-        addCircularConvolution(left, responses[0], 2.0, expectedLeft);
+        addCircularConvolution(left, responses[0], 3.0, expectedLeft);
         addCircularConvolution(right, responses[2], 1.0, expectedLeft);
-        addCircularConvolution(right, responses[1], 2.0, expectedRight);
+        addCircularConvolution(right, responses[1], 3.0, expectedRight);
         addCircularConvolution(left, responses[3], 1.0, expectedRight);
         for (std::size_t i = 0; i < n; ++i)
         {
@@ -237,9 +239,13 @@ TEST_P(TransformKernel, RefusesWhatItCannotDo)
               ippStsContextMatchErr);
 
     const StereoSpectrum<float> spectrum{samples, samples};
-    EXPECT_EQ(filterStereoSpectrum_32f({samples, samples}, {bins, nullptr}, spectrum, 8, false),
-              ippStsNullPtrErr);
-    EXPECT_EQ(filterStereoSpectrum_32f({samples, samples}, {bins, bins}, spectrum, 0, false), ippStsSizeErr);
+    const StereoTerm incomplete[] = {{{samples, samples}, {bins, nullptr}}};
+    const StereoTerm mixed[] = {{{samples, samples}, {bins, bins}},
+                                {{samples, samples}, {bins, bins, bins, bins}}};
+    EXPECT_EQ(filterStereoSpectra_32f(incomplete, spectrum, 8, false), ippStsNullPtrErr);
+    EXPECT_EQ(filterStereoSpectra_32f(mixed, spectrum, 8, false), ippStsNullPtrErr);
+    EXPECT_EQ(filterStereoSpectra_32f(std::span(mixed).first(1), spectrum, 0, false), ippStsSizeErr);
+    EXPECT_EQ(filterStereoSpectra_32f({}, spectrum, 8, false), ippStsSizeErr);
 }
 
 } // namespace
