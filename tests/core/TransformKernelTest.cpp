@@ -1,6 +1,7 @@
 #include "tests/core/KernelFixture.h"
 
 #include <complex>
+#include <map>
 #include <numbers>
 
 namespace vesk::audio
@@ -53,20 +54,15 @@ public:
     FftSpec* spec = nullptr;
 };
 
-/** X[k] = sum over n of x[n] exp(-2 pi j k n / N), from the transforms of the even and the odd samples. */
-std::vector<Exact> transformExactly(const std::vector<Exact>& x)
+/** X[k] = sum over i < n of x[i stride] exp(-2 pi j k i / n), from the transforms of the even and the odd i. */
+std::vector<Exact> transformExactly(const Exact* x, std::size_t n, std::size_t stride = 1)
 {
-    if (x.size() == 1)
-        return x;
-    std::vector<Exact> even, odd, result(x.size());
-    for (std::size_t n = 0; n < x.size(); n += 2)
-    {
-        even.push_back(x[n]);
-        odd.push_back(x[n + 1]);
-    }
-    even = transformExactly(even);
-    odd = transformExactly(odd);
-    const std::size_t half = x.size() / 2;
+    if (n == 1)
+        return {*x};
+    const std::size_t half = n / 2;
+    const auto even = transformExactly(x, half, 2 * stride);
+    const auto odd = transformExactly(x + stride, half, 2 * stride);
+    std::vector<Exact> result(n);
     for (std::size_t k = 0; k < half; ++k)
     {
         const auto turned =
@@ -110,7 +106,10 @@ TEST_P(TransformKernel, EqualsOneInDoublePrecisionOnAnyAlignmentAndInPlace)
         std::vector<Exact> points;
         for (std::size_t i = 0; i < n; ++i)
             points.emplace_back(re[i], im[i]);
-        const auto exact = transformExactly(points);
+        static std::map<int, std::vector<Exact>> spectra; // one computation for all instruction sets
+        auto& exact = spectra[order];
+        if (exact.empty())
+            exact = transformExactly(points.data(), n);
 
         Samples spectrumRe = re, spectrumIm = im; // in place
         complex.run(spectrumRe.data(), spectrumIm.data(), spectrumRe.data(), spectrumIm.data());
