@@ -18,10 +18,11 @@
 
     Load distribution inserts half-size partitions, so that large frames do not all fall on the same block.
 
-    The schedule of growing sizes is what a large FFT head takes its place in. Under shorter blocks the long
-    partitions are played by a tail: one partition of many equal slices, all of them over the same spectra of the
-    input, with a single transform back. Its results are due a frame later than its input is complete, so it works
-    in small steps, in blocks that have little else to do, and no block pays for a large transform.
+    Under an FFT head of up to 1024 most partitions of this schedule are played by others, for less: a partition can
+    hold many equal slices, all of them over the same spectra of the input, with a single transform back. The head
+    plays the first ones so, and a tail the long ones. The tail's results are due a frame later than its input is
+    complete, so it works in small steps, in blocks that have little else to do, and no block pays for a large
+    transform.
 
     Cost: a few short transforms, and a complex product of spectra for each slice. Thread: one at a time.
 */
@@ -34,6 +35,7 @@
 #include "dsp/FourierTransform.h"
 
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <span>
 #include <vector>
@@ -103,7 +105,7 @@ public:
     std::vector<std::unique_ptr<Partition>> partitions; ///< in schedule order
     std::shared_ptr<Partition> blockPartition;          ///< the FFT head, or empty
     std::shared_ptr<Partition> shortHead;               ///< the head for short blocks, or empty
-    std::unique_ptr<Partition> tail;                    ///< plays the partitions from tailStart on, or empty
+    std::shared_ptr<Partition> tail;                    ///< plays the partitions from tailStart on, or empty
     std::size_t tailStart = 0;
     int numChannels = 0;
     int numImpulseResponses = 0;
@@ -116,29 +118,24 @@ public:
     std::vector<int> partitionSizes;
 
 private:
+    static constexpr int noTail = std::numeric_limits<int>::max();
+
     void updatePartitionSizes();
     void updatePartitions();
-    void updateBlockSize(int length);
-    void createBlockPartition();
-    void createShortHead(int length);
-    void chooseHead(int length);
-    struct TailShape
-    {
-        std::size_t start = 0; ///< first of the partitions that it plays
-        int size = 0;
-        int numSlices = 0; ///< 0: none is wanted
-    };
     int getTailSliceSize() const;
-    TailShape findTailShape() const;
-    void createTail(const TailShape& shape);
-    void dropTail();
+    int getTailOffset() const;
+    int countHeadSlices(int size) const;
+    void choosePlayers(bool areResponsesNew);
+    void updateTail(int offset);
+    void shareSpectra();
+    int getLookBack() const;
+    void updateBlockSize(int length);
+    void chooseHead(int length);
+    std::shared_ptr<Partition> createHead(int size) const;
     Partition* getPartitionedHead() const
     {
         return blockPartition != nullptr ? blockPartition.get() : shortHead.get();
     }
-    std::size_t countPlayed() const { return tail != nullptr ? tailStart : partitions.size(); }
-    int getLookBack() const;
-    void shareSpectra();
     void beginBlock(const Signal32& block);
     void endBlock(int length);
     void computeMultiple(const Signal32& block);
@@ -261,13 +258,14 @@ public:
 
     int getSize() const { return fftSize / 2; }
 
-    // State, open to inspection; active belongs to the FirFilter.
+    // State, open to inspection; active and playing belong to the FirFilter.
 
     int numImpulseResponses;
     int numChannels;
     int fftSize; ///< twice the partition's size
     int impulseResponseLength = 0;
-    bool active = true;
+    bool active = true;   ///< the head does not take this slice's place
+    bool playing = false; ///< and neither the head's later slices nor a tail play it
     std::vector<SignalQueue<Signal32>, PoolAllocator<SignalQueue<Signal32>>> queues;
     std::vector<ComplexSignal32, PoolAllocator<ComplexSignal32>>
         irSpectra; ///< response k, slice s at index k * numSlices + s

@@ -316,7 +316,6 @@ void FirFilter::Partition::reset()
         queue.clear();
     slicesDone = 0;
     samplesToSkip = 0;
-    forgetSpectra();
 }
 
 } // namespace vesk::audio
