@@ -217,14 +217,21 @@ struct StereoSpectrum
     T* im;
 };
 
-/** Half the responses' spectra, N/2 + 1 bins each, from the left and the right input to the left and the right
-    output. Without the two that cross, both null, each channel is filtered by itself. */
+/** A real response's spectrum of N/2 + 1 bins in two arrays. */
+struct ResponseSpectrum
+{
+    const float* re = nullptr;
+    const float* im = nullptr;
+};
+
+/** Half the responses' spectra, from the left and the right input to the left and the right output. Without the
+    two that cross, each channel is filtered by itself. */
 struct StereoFilter
 {
-    const std::complex<float>* leftToLeft;
-    const std::complex<float>* rightToRight;
-    const std::complex<float>* rightToLeft = nullptr;
-    const std::complex<float>* leftToRight = nullptr;
+    ResponseSpectrum leftToLeft;
+    ResponseSpectrum rightToRight;
+    ResponseSpectrum rightToLeft = {};
+    ResponseSpectrum leftToRight = {};
 };
 
 /** A spectrum and what filters it. */

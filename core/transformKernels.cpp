@@ -247,11 +247,13 @@ IppStatus filterStereoSpectra_32f(std::span<const StereoTerm> terms, StereoSpect
         return ippStsSizeErr;
     if (dst.re == nullptr || dst.im == nullptr)
         return ippStsNullPtrErr;
-    const bool crosses = terms.front().filter.rightToLeft != nullptr;
+    const auto isThere = [](const ResponseSpectrum& response)
+    { return response.re != nullptr && response.im != nullptr; };
+    const bool crosses = isThere(terms.front().filter.rightToLeft);
     for (const auto& [src, filter] : terms)
-        if (src.re == nullptr || src.im == nullptr || filter.leftToLeft == nullptr ||
-            filter.rightToRight == nullptr || (filter.rightToLeft != nullptr) != crosses ||
-            (filter.leftToRight != nullptr) != crosses)
+        if (src.re == nullptr || src.im == nullptr || !isThere(filter.leftToLeft) ||
+            !isThere(filter.rightToRight) || isThere(filter.rightToLeft) != crosses ||
+            isThere(filter.leftToRight) != crosses)
             return ippStsNullPtrErr;
     getKernels().filterStereo(terms, dst, static_cast<std::size_t>(half), accumulate);
     return ippStsNoErr;

@@ -50,11 +50,12 @@ public:
     class Partition;
     class IppFirFilter;
 
-    /** Of some channels. */
+    /** Of an even number of channels in parts: two arrays, real and imaginary, for each complex signal. Of an odd
+        number in bins. */
     struct Spectrum
     {
-        Signal32 pairs;       ///< of an even number of channels: two arrays for each pair
-        ComplexSignal32 bins; ///< of an odd number
+        Signal32 parts;
+        ComplexSignal32 bins;
     };
 
     /** What the partitions are to work on. */
@@ -180,12 +181,12 @@ public:
     const int frameSize;
 
 private:
-    Frame& find(std::int64_t start, std::int64_t oldestKept, std::int64_t newestKept);
     void transform(CircularBuffer<Signal32>& input, int start, Spectrum& spectrum);
 
     FourierTransform fourierTransform;
     Signal32 timeBuffer;
-    std::vector<Frame, PoolAllocator<Frame>> frames;
+    std::vector<Frame, PoolAllocator<Frame>>
+        frames; ///< in a ring: consecutive frames of a stream are neighbours
 };
 
 /** One overlap-save convolver for a slice of the responses.
@@ -267,7 +268,7 @@ public:
     bool active = true;   ///< the head does not take this slice's place
     bool playing = false; ///< and neither the head's later slices nor a tail play it
     std::vector<SignalQueue<Signal32>, PoolAllocator<SignalQueue<Signal32>>> queues;
-    std::vector<ComplexSignal32, PoolAllocator<ComplexSignal32>>
+    std::vector<Spectrum, PoolAllocator<Spectrum>>
         irSpectra; ///< response k, slice s at index k * numSlices + s
     int offset;
     int numSlices;
@@ -276,7 +277,7 @@ public:
 private:
     bool isPaired() const { return numChannels % 2 == 0; }
     void keepSpectra();
-    ComplexSignal32 transformResponse(const Signal32& padded);
+    Spectrum transformResponse(const Signal32& padded);
     int getLead() const;
     std::int64_t getFrameStart(const Block& block) const { return block.start - getLead(); }
     void multiplySlices(const Block& block, int count);
@@ -284,7 +285,7 @@ private:
     void multiplySummed(int firstSlice);
     void addProducts(int response, int channel, int firstSlice, std::complex<float>* sum, bool accumulate);
     void finishFrame(const Block& block);
-    const ComplexSignal32& getResponse(int response, int slice) const
+    const Spectrum& getResponse(int response, int slice) const
     {
         return irSpectra[static_cast<std::size_t>(response * numSlices + slice)];
     }
@@ -296,7 +297,7 @@ private:
     int samplesToSkip = 0; ///< of the next frame's results: they lie before the first block
     int slicesDone = 0;    ///< of the next frame
     std::vector<Spectrum, PoolAllocator<Spectrum>>
-        products; ///< for each queue; pairs only while a frame is worked on
+        products; ///< for each queue; parts only while a frame is worked on
 };
 
 /** The direct-form head: up to 128 taps for each response and channel, over one shared past. */

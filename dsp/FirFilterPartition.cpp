@@ -27,15 +27,22 @@ StereoSpectrum<const float> getPair(const Signal32& spectra, int pair)
 
 StereoSpectrum<const float> asConst(StereoSpectrum<float> spectrum) { return {spectrum.re, spectrum.im}; }
 
+ResponseSpectrum getChannel(const FirFilter::Spectrum& response, int channel)
+{
+    return {response.parts.getChannelPtr(2 * channel), response.parts.getChannelPtr(2 * channel + 1)};
+}
+
 /** Twice the spectra of the two real signals that went into z, up to the middle bin. */
-void separate(StereoSpectrum<const float> z, int half, std::complex<float>* left, std::complex<float>* right)
+void separate(StereoSpectrum<const float> z, int half, StereoSpectrum<float> left,
+              StereoSpectrum<float> right)
 {
     for (int k = 0; k <= half; ++k)
     {
-        const std::complex<float> low(z.re[k], z.im[k]);
-        const std::complex<float> high(z.re[2 * half - k], -z.im[2 * half - k]);
-        left[k] = low + high;
-        right[k] = std::complex<float>(0.0f, -1.0f) * (low - high);
+        const int mirrored = 2 * half - k;
+        left.re[k] = z.re[k] + z.re[mirrored];
+        left.im[k] = z.im[k] - z.im[mirrored];
+        right.re[k] = z.im[k] + z.im[mirrored];
+        right.im[k] = z.re[mirrored] - z.re[k];
     }
 }
 } // namespace
@@ -88,23 +95,27 @@ void FirFilter::Partition::setImpulseResponses(const std::vector<Signal32>& resp
     slicesDone = 0; // those of the former responses
 }
 
-ComplexSignal32 FirFilter::Partition::transformResponse(const Signal32& padded)
+FirFilter::Spectrum FirFilter::Partition::transformResponse(const Signal32& padded)
 {
-    ComplexSignal32 result(numChannels, getSize() + 1);
+    Spectrum result;
     if (isPaired())
     {
+        result.parts = Signal32(2 * numChannels, getSize() + 1);
         Signal32 joint(2, fftSize + 1);
         for (int channel = 0; channel < numChannels; channel += 2)
         {
             const auto pair = getPair(joint, 0);
             fourierTransform.forwardStereo(padded.getChannelPtr(channel), padded.getChannelPtr(channel + 1),
                                            pair);
-            separate(asConst(pair), getSize(), result.getWriteChannelPtr(channel),
-                     result.getWriteChannelPtr(channel + 1));
+            separate(asConst(pair), getSize(), getPair(result.parts, channel),
+                     getPair(result.parts, channel + 1));
         }
     }
     else
-        fourierTransform.forwardReal(padded, result);
+    {
+        result.bins = ComplexSignal32(numChannels, getSize() + 1);
+        fourierTransform.forwardReal(padded, result.bins);
+    }
     return result;
 }
 
@@ -139,18 +150,18 @@ void FirFilter::Partition::multiply(int k, int firstSlice)
         return;
     }
     if (firstSlice == 0)
-        product.pairs = Signal32(numChannels, fftSize + 1);
+        product.parts = Signal32(numChannels, fftSize + 1);
     for (int channel = 0; channel < numChannels; channel += 2)
     {
         terms.clear();
         for (int slice = firstSlice; const auto* input : inputs)
         {
             const auto& response = getResponse(k, slice++);
-            terms.push_back({.src = getPair(input->pairs, channel / 2),
-                             .filter = {.leftToLeft = response.getChannelPtr(channel),
-                                        .rightToRight = response.getChannelPtr(channel + 1)}});
+            terms.push_back({.src = getPair(input->parts, channel / 2),
+                             .filter = {.leftToLeft = getChannel(response, channel),
+                                        .rightToRight = getChannel(response, channel + 1)}});
         }
-        check(filterStereoSpectra_32f(terms, getPair(product.pairs, channel / 2), getSize(), firstSlice > 0));
+        check(filterStereoSpectra_32f(terms, getPair(product.parts, channel / 2), getSize(), firstSlice > 0));
     }
 }
 
@@ -168,7 +179,7 @@ void FirFilter::Partition::multiplySummed(int firstSlice)
         return;
     }
     if (firstSlice == 0)
-        product.pairs = Signal32(roundUpToEven(numImpulseResponses), fftSize + 1);
+        product.parts = Signal32(roundUpToEven(numImpulseResponses), fftSize + 1);
     for (int k = 0; k < numImpulseResponses; k += 2)
     {
         // With an odd number of outputs the last one is computed twice.
@@ -179,13 +190,13 @@ void FirFilter::Partition::multiplySummed(int firstSlice)
             const auto& left = getResponse(k, slice);
             const auto& right = getResponse(next, slice++);
             for (int channel = 0; channel < numChannels; channel += 2)
-                terms.push_back({.src = getPair(input->pairs, channel / 2),
-                                 .filter = {.leftToLeft = left.getChannelPtr(channel),
-                                            .rightToRight = right.getChannelPtr(channel + 1),
-                                            .rightToLeft = left.getChannelPtr(channel + 1),
-                                            .leftToRight = right.getChannelPtr(channel)}});
+                terms.push_back({.src = getPair(input->parts, channel / 2),
+                                 .filter = {.leftToLeft = getChannel(left, channel),
+                                            .rightToRight = getChannel(right, channel + 1),
+                                            .rightToLeft = getChannel(left, channel + 1),
+                                            .leftToRight = getChannel(right, channel)}});
         }
-        check(filterStereoSpectra_32f(terms, getPair(product.pairs, k / 2), getSize(), firstSlice > 0));
+        check(filterStereoSpectra_32f(terms, getPair(product.parts, k / 2), getSize(), firstSlice > 0));
     }
 }
 
@@ -196,8 +207,8 @@ void FirFilter::Partition::addProducts(int k, int channel, int firstSlice, std::
     for (int slice = firstSlice; const auto* input : inputs)
     {
         const auto multiplyBins = accumulate ? ippsAddProduct_32fc : ippsMul_32fc;
-        check(multiplyBins(input->bins.getChannelPtr(channel), getResponse(k, slice++).getChannelPtr(channel),
-                           sum, getSize() + 1));
+        check(multiplyBins(input->bins.getChannelPtr(channel),
+                           getResponse(k, slice++).bins.getChannelPtr(channel), sum, getSize() + 1));
         accumulate = true;
     }
 }
@@ -209,12 +220,12 @@ void FirFilter::Partition::queueProduct(std::size_t index, int channels)
     Signal32 frame(isPaired() ? roundUpToEven(channels) : channels, fftSize);
     if (isPaired())
         for (int channel = 0; channel < channels; channel += 2)
-            fourierTransform.inverseStereo(asConst(getPair(product.pairs, channel / 2)),
+            fourierTransform.inverseStereo(asConst(getPair(product.parts, channel / 2)),
                                            frame.getWriteChannelPtr(channel),
                                            frame.getWriteChannelPtr(channel + 1));
     else
         fourierTransform.inverseReal(product.bins, frame);
-    product.pairs = {};
+    product.parts = {};
     frame.numChannels = channels;
     frame.numSamples = getSize();
     queues[index].add(frame);

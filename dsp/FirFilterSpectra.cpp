@@ -19,35 +19,20 @@ void FirFilter::FrameSpectra::keep(int numFrames)
         frames.resize(static_cast<std::size_t>(numFrames));
 }
 
-/** The frame itself, or the one that gives way to it: the oldest one outside of those that are kept. */
-FirFilter::FrameSpectra::Frame& FirFilter::FrameSpectra::find(std::int64_t start, std::int64_t oldestKept,
-                                                              std::int64_t newestKept)
-{
-    Frame* oldest = nullptr;
-    for (auto& frame : frames)
-    {
-        if (frame.isValid && frame.start == start)
-            return frame;
-        if (frame.isValid && frame.start >= oldestKept && frame.start <= newestKept)
-            continue;
-        if (oldest == nullptr || (oldest->isValid && (!frame.isValid || frame.start < oldest->start)))
-            oldest = &frame;
-    }
-    assert(oldest != nullptr);
-    oldest->isValid = false;
-    return *oldest;
-}
-
 void FirFilter::FrameSpectra::get(const Block& block, std::int64_t newestStart,
                                   std::span<const Spectrum*> result)
 {
+    assert(result.size() <= frames.size());
     const int hop = frameSize / 2;
-    const std::int64_t oldestStart = newestStart - static_cast<std::int64_t>(result.size() - 1) * hop;
+    const auto numFrames = static_cast<std::int64_t>(frames.size());
+    const std::int64_t newest =
+        newestStart / hop % numFrames + numFrames; // a stream's first frames start before it
     std::int64_t start = newestStart;
+    auto index = static_cast<std::size_t>(newest % numFrames);
     for (auto& spectrum : result)
     {
-        Frame& frame = find(start, oldestStart, newestStart);
-        if (!frame.isValid)
+        Frame& frame = frames[index];
+        if (!frame.isValid || frame.start != start)
         {
             transform(block.input, static_cast<int>(start - block.start), frame.spectrum);
             frame.isValid = true;
@@ -55,6 +40,7 @@ void FirFilter::FrameSpectra::get(const Block& block, std::int64_t newestStart,
         }
         spectrum = &frame.spectrum;
         start -= hop;
+        index = (index == 0 ? frames.size() : index) - 1;
     }
 }
 
@@ -86,11 +72,11 @@ void FirFilter::FrameSpectra::transform(CircularBuffer<Signal32>& input, int sta
     const auto getSource = [&](int channel)
     { return inOnePiece ? input.find(channel, start, frameSize) : joined.getChannelPtr(channel); };
 
-    spectrum.pairs.ensureDimensions(numChannels, frameSize + 1);
+    spectrum.parts.ensureDimensions(numChannels, frameSize + 1);
     for (int channel = 0; channel < numChannels; channel += 2)
         fourierTransform.forwardStereo(
             getSource(channel), getSource(channel + 1),
-            {spectrum.pairs.getWriteChannelPtr(channel), spectrum.pairs.getWriteChannelPtr(channel + 1)});
+            {spectrum.parts.getWriteChannelPtr(channel), spectrum.parts.getWriteChannelPtr(channel + 1)});
 }
 
 } // namespace vesk::audio

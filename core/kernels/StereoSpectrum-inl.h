@@ -28,11 +28,9 @@ namespace HWY_NAMESPACE
 namespace hn = hwy::HWY_NAMESPACE;
 
 template <class D>
-HWY_INLINE ComplexVector<hn::VFromD<D>> loadInterleaved(D d, const Complex* bins)
+HWY_INLINE ComplexVector<hn::VFromD<D>> load(D d, const ResponseSpectrum& response, std::size_t bin)
 {
-    ComplexVector<hn::VFromD<D>> value{hn::Zero(d), hn::Zero(d)};
-    hn::LoadInterleaved2(d, asFloats(bins), value.re, value.im);
-    return value;
+    return {hn::LoadU(d, response.re + bin), hn::LoadU(d, response.im + bin)};
 }
 
 template <class V>
@@ -58,12 +56,12 @@ HWY_INLINE void filterStereoBins(D d, std::span<const StereoTerm> terms, StereoS
                                  hn::Reverse(d, hn::LoadU(d, z.im + mirrored))};
         const ComplexVector<V> left{hn::Add(a.re, b.re), hn::Sub(a.im, b.im)};
         const ComplexVector<V> right{hn::Add(a.im, b.im), hn::Sub(b.re, a.re)};
-        newLeft = multiplyAdd(left, loadInterleaved(d, filter.leftToLeft + k), newLeft);
-        newRight = multiplyAdd(right, loadInterleaved(d, filter.rightToRight + k), newRight);
+        newLeft = multiplyAdd(left, load(d, filter.leftToLeft, k), newLeft);
+        newRight = multiplyAdd(right, load(d, filter.rightToRight, k), newRight);
         if constexpr (crossed)
         {
-            newLeft = multiplyAdd(right, loadInterleaved(d, filter.rightToLeft + k), newLeft);
-            newRight = multiplyAdd(left, loadInterleaved(d, filter.leftToRight + k), newRight);
+            newLeft = multiplyAdd(right, load(d, filter.rightToLeft, k), newLeft);
+            newRight = multiplyAdd(left, load(d, filter.leftToRight, k), newRight);
         }
     }
 
@@ -101,12 +99,12 @@ HWY_INLINE void filterStereoSpectra(std::span<const StereoTerm> terms, StereoSpe
     {
         const float left = 2.0f * z.re[half];
         const float right = 2.0f * z.im[half];
-        newLeft += left * filter.leftToLeft[half].real();
-        newRight += right * filter.rightToRight[half].real();
+        newLeft += left * filter.leftToLeft.re[half];
+        newRight += right * filter.rightToRight.re[half];
         if constexpr (crossed)
         {
-            newLeft += right * filter.rightToLeft[half].real();
-            newRight += left * filter.leftToRight[half].real();
+            newLeft += right * filter.rightToLeft.re[half];
+            newRight += left * filter.leftToRight.re[half];
         }
     }
     w.re[half] = newLeft;
@@ -116,7 +114,7 @@ HWY_INLINE void filterStereoSpectra(std::span<const StereoTerm> terms, StereoSpe
 HWY_INLINE void filterStereo(std::span<const StereoTerm> terms, StereoSpectrum<float> w, std::size_t half,
                              bool accumulate)
 {
-    if (terms.front().filter.rightToLeft == nullptr)
+    if (terms.front().filter.rightToLeft.re == nullptr)
         filterStereoSpectra<false>(terms, w, half, accumulate);
     else
         filterStereoSpectra<true>(terms, w, half, accumulate);

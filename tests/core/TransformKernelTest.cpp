@@ -166,11 +166,17 @@ TEST_P(TransformKernel, FiltersTwoSignalsAsFourCircularConvolutionsDo)
         const Samples left = makeNoise(length, 1), right = makeNoise(length, 2);
         Samples responses[4];
         std::vector<Complex> bins[4];
+        std::vector<float> parts[8]; // real and imaginary
         for (unsigned i = 0; i < 4; ++i)
         {
             responses[i] = makeNoise(length, 3 + i);
             bins[i].resize(n / 2 + 1);
             real.forward(responses[i].data(), bins[i].data());
+            for (const auto bin : bins[i])
+            {
+                parts[2 * i].push_back(bin.real());
+                parts[2 * i + 1].push_back(bin.imag());
+            }
         }
 
         Samples re(n + 1), im(n + 1);
@@ -178,10 +184,13 @@ TEST_P(TransformKernel, FiltersTwoSignalsAsFourCircularConvolutionsDo)
         re[n] = re[0];
         im[n] = im[0];
 
-        const StereoFilter channelwise{.leftToLeft = bins[0].data(), .rightToRight = bins[1].data()};
+        const auto getResponse = [&](std::size_t i) {
+            return ResponseSpectrum{parts[2 * i].data(), parts[2 * i + 1].data()};
+        };
+        const StereoFilter channelwise{.leftToLeft = getResponse(0), .rightToRight = getResponse(1)};
         StereoFilter crossed = channelwise;
-        crossed.rightToLeft = bins[2].data();
-        crossed.leftToRight = bins[3].data();
+        crossed.rightToLeft = getResponse(2);
+        crossed.leftToRight = getResponse(3);
 
         // Crossed, then with the channelwise product added: the own paths count twice.
         Samples productRe(n + 1), productIm(n + 1);
@@ -238,9 +247,10 @@ TEST_P(TransformKernel, RefusesWhatItCannotDo)
               ippStsContextMatchErr);
 
     const StereoSpectrum<float> spectrum{samples, samples};
-    const StereoTerm incomplete[] = {{{samples, samples}, {bins, nullptr}}};
-    const StereoTerm mixed[] = {{{samples, samples}, {bins, bins}},
-                                {{samples, samples}, {bins, bins, bins, bins}}};
+    const ResponseSpectrum response{samples, samples};
+    const StereoTerm incomplete[] = {{{samples, samples}, {response, {}}}};
+    const StereoTerm mixed[] = {{{samples, samples}, {response, response}},
+                                {{samples, samples}, {response, response, response, response}}};
     EXPECT_EQ(filterStereoSpectra_32f(incomplete, spectrum, 8, false), ippStsNullPtrErr);
     EXPECT_EQ(filterStereoSpectra_32f(mixed, spectrum, 8, false), ippStsNullPtrErr);
     EXPECT_EQ(filterStereoSpectra_32f(std::span(mixed).first(1), spectrum, 0, false), ippStsSizeErr);
