@@ -63,6 +63,7 @@ std::unique_ptr<Reverberation> createEngine(int length)
 
 void play(Reverberation& engine, const Signal32& block, int blocks)
 {
+    const StreamScope stream;
     for (int k = 0; k < blocks; ++k)
         benchmark::DoNotOptimize(engine.process(block, false).data.get());
 }
@@ -86,7 +87,6 @@ double timeOneAfterTheOther(const Instances& instances, const Signal32& block, i
 
 void measure(int count, int length)
 {
-    const StreamScope stream;
     const auto block = makeNoiseSignal(2, length);
     const int blocks = warmUp / length;
 

@@ -79,7 +79,7 @@ static_assert(findSizeClass((std::size_t{1} << largestExponent) + 1) == unpooled
 class Shelf
 {
 public:
-    /** @param slotCount  a power of two */
+    /** @param slotCount  a power of two, or 0 for a shelf that keeps nothing */
     constexpr Shelf(std::atomic<void*>* slotMemory, std::size_t slotCount)
         : slots(slotMemory), mask(slotCount - 1)
     {
@@ -143,23 +143,29 @@ private:
     std::atomic<std::size_t> top{0};
 };
 
-/** How many idle blocks of a class are kept, so that the pool as a whole stays bounded. */
-constexpr std::size_t getSlotCount(std::size_t sizeClass, std::size_t most)
+/** How much of a size class a store keeps idle: as many blocks as these bytes hold, but within the two counts. */
+struct Bounds
 {
-    constexpr std::size_t largestIdleBytes = std::size_t{16} << 20;
-    constexpr std::size_t fewest = 4;
-    return std::clamp(std::bit_floor(largestIdleBytes / getClassBytes(sizeClass)), fewest, most);
+    std::size_t bytes;
+    std::size_t fewest;
+    std::size_t most;
+};
+
+/** A power of two or 0. */
+constexpr std::size_t getSlotCount(std::size_t sizeClass, Bounds bounds)
+{
+    return std::clamp(std::bit_floor(bounds.bytes / getClassBytes(sizeClass)), bounds.fewest, bounds.most);
 }
 
 /** The slots of all shelves of a store. Memory that is never touched costs nothing. */
-template <std::size_t most>
+template <Bounds bounds>
 struct Slots
 {
     static constexpr std::size_t getFirst(std::size_t sizeClass)
     {
         std::size_t first = 0;
         for (std::size_t smaller = 0; smaller < sizeClass; ++smaller)
-            first += getSlotCount(smaller, most);
+            first += getSlotCount(smaller, bounds);
         return first;
     }
 
@@ -170,26 +176,28 @@ struct Slots
 class Store
 {
 public:
-    template <std::size_t most>
-    constexpr explicit Store(Slots<most>& slots) : Store(slots, std::make_index_sequence<numSizeClasses>())
+    template <Bounds bounds>
+    constexpr explicit Store(Slots<bounds>& slots) : Store(slots, std::make_index_sequence<numSizeClasses>())
     {
     }
 
     std::array<Shelf, numSizeClasses> shelves;
 
 private:
-    template <std::size_t most, std::size_t... sizeClasses>
-    constexpr Store(Slots<most>& slots, std::index_sequence<sizeClasses...>)
-        : shelves{Shelf(slots.memory.data() + Slots<most>::getFirst(sizeClasses),
-                        getSlotCount(sizeClasses, most))...}
+    template <Bounds bounds, std::size_t... sizeClasses>
+    constexpr Store(Slots<bounds>& slots, std::index_sequence<sizeClasses...>)
+        : shelves{Shelf(slots.memory.data() + Slots<bounds>::getFirst(sizeClasses),
+                        getSlotCount(sizeClasses, bounds))...}
     {
     }
 };
 
+// Outside of streams the large blocks serve the making of responses, which the system's allocator does not hold up.
+constinit Slots<Bounds{.bytes = std::size_t{128} << 10, .fewest = 0, .most = 512}> generalSlots;
+
 // A stream of single samples keeps half a second of pre-delay as tens of thousands of blocks, and a change of
 // the block length hands all of them back.
-constinit Slots<512> generalSlots;
-constinit Slots<32768> streamSlots;
+constinit Slots<Bounds{.bytes = std::size_t{16} << 20, .fewest = 4, .most = 32768}> streamSlots;
 
 constinit Store generalStore(generalSlots);
 constinit Store streamStore(streamSlots);

@@ -166,6 +166,9 @@ public:
     /** @param frameSize  of a transform, a power of two */
     FrameSpectra(int numChannels, int frameSize);
 
+    /** Takes the transform's tables. To be called before the first frame is asked for. */
+    void prepare();
+
     /** Keeps this many frames, if it keeps fewer. */
     void keep(int numFrames);
 

@@ -53,7 +53,6 @@ FirFilter::Partition::Partition(int channels, int responses, int start, int size
       spectra(std::allocate_shared<FrameSpectra>(PoolAllocator<FrameSpectra>(), channels, fftSize)),
       products(static_cast<std::size_t>(responses))
 {
-    fourierTransform.allocate(fftSize, !isPaired());
     setNumSlices(slices);
 }
 
@@ -77,6 +76,9 @@ void FirFilter::Partition::keepSpectra()
 void FirFilter::Partition::setImpulseResponses(const std::vector<Signal32>& responses)
 {
     impulseResponseLength = responses.front().numSamples;
+    if (fourierTransform.size != fftSize)
+        fourierTransform.allocate(fftSize, !isPaired());
+    spectra->prepare();
     // Both separate() and the product's own separation give twice the spectra.
     const float scale = (isPaired() ? 0.25f : 1.0f) / static_cast<float>(fftSize);
     for (std::size_t i = 0; i < irSpectra.size(); ++i)

@@ -10,7 +10,12 @@ namespace vesk::audio
 FirFilter::FrameSpectra::FrameSpectra(int channels, int size)
     : numChannels(channels), frameSize(size), frames(1)
 {
-    fourierTransform.allocate(frameSize, numChannels % 2 != 0);
+}
+
+void FirFilter::FrameSpectra::prepare()
+{
+    if (fourierTransform.size != frameSize)
+        fourierTransform.allocate(frameSize, numChannels % 2 != 0);
 }
 
 void FirFilter::FrameSpectra::keep(int numFrames)

@@ -84,14 +84,30 @@ std::shared_ptr<const FourierTransform::Tables> FourierTransform::Tables::get(in
     return created;
 }
 
+namespace
+{
+/** What a transform needs for as long as it runs. It was warm a moment ago, whichever transform had it then. */
+class Scratch
+{
+public:
+    explicit Scratch(int bytes) : memory(ippsMalloc_8u(bytes)) {}
+    ~Scratch() { ippsFree(memory); }
+    Scratch(const Scratch&) = delete;
+    Scratch& operator=(const Scratch&) = delete;
+
+    std::uint8_t* get() const { return memory; }
+
+private:
+    std::uint8_t* memory;
+};
+} // namespace
+
 //==============================================================================
 
 FourierTransform::~FourierTransform() { free(); }
 
 void FourierTransform::free()
 {
-    ippsFree(workBuffer);
-    workBuffer = nullptr;
     complexSpec = realSpec = nullptr;
     tables.reset();
     size = order = 0;
@@ -105,7 +121,6 @@ void FourierTransform::allocate(int length, bool real)
     if (order > ippMaxFftOrder)
         return;
     tables = Tables::get(order, real);
-    workBuffer = ippsMalloc_8u(tables->workBytes);
     (real ? realSpec : complexSpec) = tables->spec;
 }
 
@@ -114,10 +129,14 @@ void FourierTransform::forwardReal(const Signal32& input, ComplexSignal32& outpu
     if (realSpec == nullptr || input.numSamples != size)
         allocate(input.numSamples, true);
 
+    if (realSpec == nullptr)
+        return;
+    const Scratch scratch(tables->workBytes);
     // The caller owns the spectrum alone, so its blocks are written without looking for other owners.
     for (int channel = 0; channel < input.numChannels; ++channel)
         ippsFFTFwd_RToCCS_32f(input.getChannelPtr(channel),
-                              output.data->channels[static_cast<std::size_t>(channel)], realSpec, workBuffer);
+                              output.data->channels[static_cast<std::size_t>(channel)], realSpec,
+                              scratch.get());
 }
 
 void FourierTransform::inverseReal(const ComplexSignal32& input, Signal32& output)
@@ -125,9 +144,12 @@ void FourierTransform::inverseReal(const ComplexSignal32& input, Signal32& outpu
     if (realSpec == nullptr || input.numSamples != size / 2 + 1)
         allocate(2 * input.numSamples - 2, true);
 
+    if (realSpec == nullptr)
+        return;
+    const Scratch scratch(tables->workBytes);
     for (int channel = 0; channel < input.numChannels; ++channel)
         ippsFFTInv_CCSToR_32f(input.getChannelPtr(channel), output.getWriteChannelPtr(channel), realSpec,
-                              workBuffer);
+                              scratch.get());
 }
 
 Signal32 FourierTransform::inverseReal(const ComplexSignal32& input)
@@ -137,16 +159,19 @@ Signal32 FourierTransform::inverseReal(const ComplexSignal32& input)
     return output;
 }
 
-void FourierTransform::forwardStereo(const float* left, const float* right, StereoSpectrum<float> spectrum)
+void FourierTransform::forwardStereo(const float* left, const float* right,
+                                     StereoSpectrum<float> spectrum) const
 {
-    ippsFFTFwd_CToC_32f(left, right, spectrum.re, spectrum.im, complexSpec, workBuffer);
+    const Scratch scratch(tables->workBytes);
+    ippsFFTFwd_CToC_32f(left, right, spectrum.re, spectrum.im, complexSpec, scratch.get());
     spectrum.re[size] = spectrum.re[0];
     spectrum.im[size] = spectrum.im[0];
 }
 
-void FourierTransform::inverseStereo(StereoSpectrum<const float> spectrum, float* left, float* right)
+void FourierTransform::inverseStereo(StereoSpectrum<const float> spectrum, float* left, float* right) const
 {
-    ippsFFTFwd_CToC_32f(spectrum.im, spectrum.re, right, left, complexSpec, workBuffer);
+    const Scratch scratch(tables->workBytes);
+    ippsFFTFwd_CToC_32f(spectrum.im, spectrum.re, right, left, complexSpec, scratch.get());
 }
 
 } // namespace vesk::audio

@@ -10,20 +10,20 @@
         transform.forwardReal(signal, spectrum);
 
     One object follows whatever length comes along, but a change of length may build new tables: keep one
-    object for each length. Tables are shared by all objects of a length in the process. Lengths are powers of two; any other length silently gives a transform of the next
-    lower one. Nothing here throws: the kernels' statuses are not looked at.
+    object for each length. Tables are shared by all objects of a length in the process, and scratch memory comes
+    from the pool for the time of a transform. Lengths are powers of two; any other length silently gives a
+    transform of the next lower one. Nothing here throws: the kernels' statuses are not looked at.
 
     Two real signals can also go through one complex transform, as its real and its imaginary part, which is
     the cheapest way for stereo (see StereoSpectrum in kernels.h). One object is for one of the two kinds.
 
-    Thread: one at a time (the scratch memory is the object's).
+    Thread: one at a time.
 */
 #pragma once
 
 #include "core/Signal.h"
 #include "core/kernels.h"
 
-#include <cstdint>
 #include <memory>
 
 namespace vesk::audio
@@ -49,8 +49,8 @@ public:
 
     /** Of size samples each; needs allocate(size, false).
         @param spectrum  size + 1 bins */
-    void forwardStereo(const float* left, const float* right, StereoSpectrum<float> spectrum);
-    void inverseStereo(StereoSpectrum<const float> spectrum, float* left, float* right);
+    void forwardStereo(const float* left, const float* right, StereoSpectrum<float> spectrum) const;
+    void inverseStereo(StereoSpectrum<const float> spectrum, float* left, float* right) const;
 
     const FftSpec* complexSpec = nullptr;
     const FftSpec* realSpec = nullptr;
@@ -63,7 +63,6 @@ private:
     void free();
 
     std::shared_ptr<const Tables> tables;
-    std::uint8_t* workBuffer = nullptr;
 };
 
 } // namespace vesk::audio
