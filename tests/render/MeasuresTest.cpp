@@ -6,7 +6,6 @@
 #include "tools/render/measures/EnergyDecay.h"
 #include "tools/render/measures/OctaveFilter.h"
 #include "tools/render/measures/RoomMeasures.h"
-#include "tools/render/measures/Spectrogram.h"
 #include "tools/render/measures/StereoImage.h"
 
 #include <juce_graphics/juce_graphics.h>
@@ -23,18 +22,12 @@ using render::test::createSine;
 
 constexpr double rate = 48000.0;
 
-/** Gaussian enough for every measure here: the sum of twelve uniform numbers. */
 std::vector<float> createGaussianNoise(std::size_t length, unsigned seed)
 {
     std::mt19937 random(seed);
+    std::normal_distribution<float> gaussian;
     std::vector<float> noise(length);
-    for (float& sample : noise)
-    {
-        float sum = -6.0f;
-        for (int i = 0; i < 12; ++i)
-            sum += static_cast<float>(random()) / 4294967296.0f;
-        sample = sum;
-    }
+    std::ranges::generate(noise, [&] { return gaussian(random); });
     return noise;
 }
 
@@ -42,13 +35,9 @@ std::vector<float> createGaussianNoise(std::size_t length, unsigned seed)
 std::vector<float> createDecay(double seconds, double decayTime, unsigned seed, double sampleRate = rate)
 {
     std::vector<float> decay = createGaussianNoise(static_cast<std::size_t>(seconds * sampleRate), seed);
-    const double falling = std::pow(10.0, -3.0 / sampleRate / decayTime);
-    double gain = 1.0;
-    for (float& sample : decay)
-    {
-        sample *= static_cast<float>(gain);
-        gain *= falling;
-    }
+    for (std::size_t i = 0; i < decay.size(); ++i)
+        decay[i] *=
+            static_cast<float>(std::pow(10.0, -3.0 * static_cast<double>(i) / sampleRate / decayTime));
     return decay;
 }
 
@@ -62,8 +51,8 @@ std::vector<double> squared(std::span<const float> samples)
 
 double energyOf(std::span<const float> samples)
 {
-    const auto energy = squared(samples);
-    return std::accumulate(energy.begin(), energy.end(), 0.0);
+    return std::transform_reduce(samples.begin(), samples.end(), samples.begin(), 0.0, std::plus(),
+                                 [](double a, double b) { return a * b; });
 }
 
 double expectedClarity(double border, double decayTime)
@@ -104,15 +93,6 @@ TEST(OctaveFilter, passesItsOctaveAndNothingElse)
         }
     EXPECT_TRUE(OctaveFilter::canMeasure(8000.0, 44100.0));
     EXPECT_FALSE(OctaveFilter::canMeasure(8000.0, 22050.0));
-}
-
-TEST(OctaveFilter, reversedFilteringPutsTheRingingInFront)
-{
-    std::vector<float> impulse(48000, 0.0f);
-    impulse[24000] = 1.0f;
-    const auto band = OctaveFilter(125.0, rate).filterReversed(impulse);
-    EXPECT_EQ(energyOf(std::span(band).subspan(24001)), 0.0);
-    EXPECT_GT(energyOf(std::span(band).first(24001)), 0.0);
 }
 
 /** A decay of 2 s that is cut after 1.4 s has 42 dB: enough for T20, not for T30 with a margin. */
@@ -210,36 +190,21 @@ TEST(StereoImage, tellsEqualDelayedAndIndependentChannels)
     EXPECT_LT(measureCorrelation(left, other, rate), 0.05);
     EXPECT_EQ(measureCorrelation(left, std::vector<float>(24000, 0.0f), rate), 0.0);
 
-    std::vector<float> half = left;
+    std::vector<float> late = delayed(9600);
+    std::vector<float> half = late;
     for (float& sample : half)
         sample *= 0.5f;
-    const auto balance = measureBalance(left, half, 4800);
-    ASSERT_EQ(balance.size(), 5u);
+    const auto balance = measureBalance(late, half, 4800);
+    ASSERT_EQ(balance.size(), 3u) << "silence in front is left out";
     for (const double difference : balance)
         EXPECT_NEAR(difference, 6.02, 0.01);
 }
 
-TEST(Spectrogram, showsASineWhereItIs)
+TEST(RoomMeasures, areThoseOfASyntheticRoom)
 {
-    const auto sine = createSine(1, 48000, 3000.0, rate, 1.0f);
-    const Spectrogram spectrogram({sine.getReadPointer(0), 48000}, 1024, 480);
-    EXPECT_EQ(spectrogram.getNumFrames(), 100);
-    EXPECT_EQ(spectrogram.getNumBins(), 513);
-    EXPECT_NEAR(spectrogram.getLevel(50, 64), 0.0f, 0.1f); // 3000 Hz is bin 64
-    EXPECT_LT(spectrogram.getLevel(50, 80), -80.0f);
-}
-
-class RoomMeasuresTest : public testing::Test
-{
-protected:
-    static constexpr double time = 1.2;
+    constexpr double time = 1.2;
     const StereoResponse response{rate, createDecay(2.5, time, 20), createDecay(2.5, time, 21)};
     const RoomMeasures measures = measureRoom(response);
-    const render::RoomDescription room{"Test \"room\"", "both", {{"reverbTime", 1.2f}, {"roomSize", 30.0f}}};
-};
-
-TEST_F(RoomMeasuresTest, areThoseOfTheSyntheticRoom)
-{
     ASSERT_EQ(measures.octaves.size(), 8u);
     std::vector<BandMeasures> bands = measures.octaves;
     bands.push_back(measures.broadband);
@@ -265,51 +230,19 @@ TEST_F(RoomMeasuresTest, areThoseOfTheSyntheticRoom)
     EXPECT_NEAR(static_cast<double>(measures.balance.size()), time / RoomMeasures::balanceStep, 1.0)
         << "down to -60 dB";
     EXPECT_NEAR(measures.broadband.decay.at(40), -10.0, 0.5) << "0.2 s";
-}
 
-TEST_F(RoomMeasuresTest, areReportedAsJsonAndAsATable)
-{
-    const juce::var report = juce::JSON::parse(juce::String(render::createReportJson(measures, room)));
-    ASSERT_TRUE(report.isObject());
-    EXPECT_EQ(report["preset"].toString(), "Test \"room\"");
-    EXPECT_NEAR(static_cast<double>(report["settings"]["reverbTime"]), 1.2, 1e-6);
-    EXPECT_EQ(report["octaves"].size(), 8);
-    EXPECT_EQ(static_cast<double>(report["octaves"][0]["centre"]), 63.0);
-    EXPECT_NEAR(static_cast<double>(report["broadband"]["t30"]), *measures.broadband.t30, 1e-4);
-    EXPECT_EQ(report["echoDensity"]["values"].size(), static_cast<int>(measures.echoDensity.size()));
-
-    RoomMeasures unknown = measures;
-    unknown.broadband.t30.reset();
-    const juce::var gaps = juce::JSON::parse(juce::String(render::createReportJson(unknown, room)));
-    EXPECT_TRUE(gaps["broadband"].hasProperty("t30"));
-    EXPECT_TRUE(gaps["broadband"]["t30"].isVoid());
-
-    const std::string table = render::createReportTable(measures, room);
-    for (const char* text :
-         {"Test \"room\"", "reverbTime=1.2", "63 Hz", "8 kHz", "T30", "Density:", "Balance:"})
-        EXPECT_NE(table.find(text), std::string::npos) << text;
-    EXPECT_EQ(table.find("roomSize"), std::string::npos) << "a default is not told";
-}
-
-TEST_F(RoomMeasuresTest, areDrawnIntoAPicture)
-{
-    const juce::MemoryBlock png = render::createRoomPlot(response, measures, room);
+    const juce::MemoryBlock png = render::createRoomPlot(response, measures, {});
     const juce::Image picture = juce::ImageFileFormat::loadFrom(png.getData(), png.getSize());
-    ASSERT_EQ(picture.getWidth(), 1600);
-    ASSERT_EQ(picture.getHeight(), 1200);
-
-    // Something is drawn in the head and in the middle of each diagram.
-    for (const juce::Rectangle<int> part : {juce::Rectangle<int>(40, 10, 600, 40),
-                                            {110, 100, 500, 450},
-                                            {900, 100, 500, 450},
-                                            {110, 680, 600, 400},
-                                            {900, 680, 600, 400}})
+    for (const juce::Rectangle<int> diagram : {juce::Rectangle(110, 100, 500, 450),
+                                               {900, 100, 500, 450},
+                                               {110, 680, 600, 400},
+                                               {900, 680, 600, 400}})
     {
         int coloured = 0;
-        for (int y = part.getY(); y < part.getBottom(); ++y)
-            for (int x = part.getX(); x < part.getRight(); ++x)
+        for (int y = diagram.getY(); y < diagram.getBottom(); ++y)
+            for (int x = diagram.getX(); x < diagram.getRight(); ++x)
                 coloured += picture.getPixelAt(x, y).getPerceivedBrightness() < 0.8f ? 1 : 0;
-        EXPECT_GT(coloured, 300) << part.toString();
+        EXPECT_GT(coloured, 300) << diagram.toString();
     }
 }
 
@@ -321,11 +254,11 @@ TEST(RoomMeasures, aSilentOrShortResponseHasNone)
         const RoomMeasures measures = measureRoom(silent);
         EXPECT_FALSE(measures.peak.has_value());
         EXPECT_FALSE(measures.broadband.level.has_value());
-        EXPECT_FALSE(measures.broadband.t30.has_value());
         EXPECT_FALSE(measures.mixingTime.has_value());
         EXPECT_FALSE(measures.flatness.has_value());
         EXPECT_TRUE(measures.balance.empty());
-        EXPECT_FALSE(render::createReportJson(measures, {}).empty());
+        const auto report = juce::JSON::parse(juce::String(render::createReportJson(measures, {})));
+        EXPECT_TRUE(report["broadband"].hasProperty("t30") && report["broadband"]["t30"].isVoid());
         EXPECT_FALSE(render::createReportTable(measures, {}).empty());
         EXPECT_FALSE(render::createRoomPlot(silent, measures, {}).isEmpty());
     }

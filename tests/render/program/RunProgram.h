@@ -9,7 +9,6 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <functional>
-#include <optional>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <thread>
@@ -27,37 +26,9 @@ struct Outcome
 
 struct RunOptions
 {
-    std::function<bool()> interruptWhen;           ///< asked again and again; then SIGINT is sent once
-    std::optional<unsigned long> largestFileBytes; ///< a file that grows beyond it fails, as on a full disk
+    std::function<bool()> interruptWhen;     ///< asked again and again; then SIGINT is sent once
+    rlim_t largestFileBytes = RLIM_INFINITY; ///< a file that grows beyond it fails, as on a full disk
 };
-
-namespace detail
-{
-
-[[noreturn]] inline void becomeProgram(const TestFolder& home, const std::vector<std::string>& arguments,
-                                       const RunOptions& options)
-{
-    const auto redirect = [&](const char* name, int descriptor)
-    { dup2(open(home.path(name).c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), descriptor); };
-    redirect("stdout", STDOUT_FILENO);
-    redirect("stderr", STDERR_FILENO);
-    setenv("HOME", home.path("").c_str(), 1);
-    unsetenv("XDG_CONFIG_HOME");
-    unsetenv("DISPLAY");
-    if (options.largestFileBytes)
-    {
-        const rlimit limit{*options.largestFileBytes, *options.largestFileBytes};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    std::vector<char*> words{const_cast<char*>(AMBREL_RENDER_PROGRAM)};
-    for (const std::string& argument : arguments)
-        words.push_back(const_cast<char*>(argument.c_str()));
-    words.push_back(nullptr);
-    execv(words[0], words.data());
-    _exit(127);
-}
-
-} // namespace detail
 
 /** @param home  receives what the program writes at home, and its two outputs */
 inline Outcome run(const TestFolder& home, const std::vector<std::string>& arguments,
@@ -65,7 +36,21 @@ inline Outcome run(const TestFolder& home, const std::vector<std::string>& argum
 {
     const pid_t process = fork();
     if (process == 0)
-        detail::becomeProgram(home, arguments, options);
+    {
+        setenv("HOME", home.path("").c_str(), 1);
+        unsetenv("XDG_CONFIG_HOME");
+        unsetenv("DISPLAY");
+        const rlimit limit{options.largestFileBytes, options.largestFileBytes};
+        setrlimit(RLIMIT_FSIZE, &limit);
+        std::vector<char*> words{const_cast<char*>(AMBREL_RENDER_PROGRAM)};
+        for (const std::string& argument : arguments)
+            words.push_back(const_cast<char*>(argument.c_str()));
+        words.push_back(nullptr);
+        dup2(creat(home.path("stdout").c_str(), 0600), STDOUT_FILENO);
+        dup2(creat(home.path("stderr").c_str(), 0600), STDERR_FILENO);
+        execv(words[0], words.data());
+        _exit(127);
+    }
 
     int status = 0;
     if (options.interruptWhen)

@@ -65,7 +65,7 @@ struct RoomMeasures
 
     double correlationEarly = 0.0; ///< between the channels, up to correlationSplit
     double correlationLate = 0.0;  ///< from there to correlationEnd
-    std::vector<double> balance;   ///< left over right, dB, every balanceStep, down to -60 dB of the decay
+    std::vector<double> balance;   ///< left over right, dB, every balanceStep from the first sound to -60 dB
 };
 
 /** Precondition: both channels have the same length, above 0. */

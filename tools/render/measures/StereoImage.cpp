@@ -27,6 +27,13 @@ double correlateAt(std::span<const float> first, std::span<const float> second, 
                                  { return static_cast<double>(a) * static_cast<double>(b); });
 }
 
+/** The index of the first sample that is not zero, or the length. */
+std::size_t getSilence(std::span<const float> samples)
+{
+    const auto sound = std::find_if(samples.begin(), samples.end(), [](float x) { return x != 0.0f; });
+    return static_cast<std::size_t>(sound - samples.begin());
+}
+
 } // namespace
 
 double measureCorrelation(std::span<const float> left, std::span<const float> right, double sampleRate)
@@ -51,8 +58,9 @@ std::vector<double> measureBalance(std::span<const float> left, std::span<const 
                                    std::size_t windowLength)
 {
     std::vector<double> balance;
+    const std::size_t onset = std::min(getSilence(left), getSilence(right));
 
-    for (std::size_t start = 0; start + windowLength <= left.size(); start += windowLength)
+    for (std::size_t start = onset; start + windowLength <= left.size(); start += windowLength)
     {
         const double leftEnergy = getEnergy(left.subspan(start, windowLength));
         const double rightEnergy = getEnergy(right.subspan(start, windowLength));

@@ -16,7 +16,8 @@ namespace ambrel::measures
     taken between the channels. Both spans have the same length. */
 double measureCorrelation(std::span<const float> left, std::span<const float> right, double sampleRate);
 
-/** Level of left over right in consecutive windows, dB; ends before the first window in which one is silent. */
+/** Level of left over right in consecutive windows, dB. The first begins with the first sound, behind any pre-delay;
+    the last stands before the first window in which one channel is silent. */
 std::vector<double> measureBalance(std::span<const float> left, std::span<const float> right,
                                    std::size_t windowLength);
 
