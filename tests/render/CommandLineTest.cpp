@@ -1,13 +1,8 @@
 #include "tools/render/CommandLine.h"
-#include "reverb/ParameterTable.h"
+#include "reverb/Reverberation.h"
 #include "tools/render/Errors.h"
-#include "tools/render/HelpText.h"
-#include "tools/render/OptionTable.h"
 
 #include <gtest/gtest.h>
-
-#include <iomanip>
-#include <sstream>
 
 namespace ambrel::render
 {
@@ -19,11 +14,10 @@ TEST(CommandLine, takesBothFormsOfEveryValue)
     const Options spaced = parseCommandLine({"in.wav", "--output", "out.flac", "--character", "12.5", "--set",
                                              "reverbTime=4.2", "-s", "muteDry=on", "--tail", "3", "-b16"});
     const Options joined = parseCommandLine({"--output=out.flac", "--character=12.5", "--set=reverbTime=4.2",
-                                             "--set=muteDry=1", "--tail=3", "--bits=16", "--", "in.wav"});
+                                             "--set=muteDry=1", "--tail=3", "--bits=16", "--", "-a.wav"});
 
     for (const Options& options : {spaced, joined})
     {
-        EXPECT_EQ(options.inputs, std::vector<std::string>{"in.wav"});
         EXPECT_EQ(options.output, "out.flac");
         EXPECT_EQ(options.character, 12.5);
         EXPECT_FALSE(options.mix.has_value());
@@ -35,45 +29,15 @@ TEST(CommandLine, takesBothFormsOfEveryValue)
         EXPECT_EQ(options.settings[1].index, Reverberation::muteDry);
         EXPECT_EQ(options.settings[1].value, 1.0f);
     }
-}
-
-TEST(CommandLine, namesThatLookLikeOptionsFollowTheDoubleDash)
-{
-    const Options options = parseCommandLine({"-d", "out", "--", "-a.wav", "--mix"});
-    EXPECT_EQ(options.inputs, (std::vector<std::string>{"-a.wav", "--mix"}));
+    EXPECT_EQ(joined.inputs, std::vector<std::string>{"-a.wav"}) << "a name, behind the double dash";
 }
 
 TEST(CommandLine, reportTakesItsValueOnlyBehindAnEqualsSign)
 {
     EXPECT_EQ(parseCommandLine({"--report", "json", "-o", "x.wav"}).inputs, std::vector<std::string>{"json"});
-
-    const Options table = parseCommandLine({"--report"});
-    EXPECT_FALSE(table.report->json);
-    EXPECT_TRUE(table.report->file.empty());
+    EXPECT_FALSE(parseCommandLine({"--report"}).report->json);
     EXPECT_TRUE(parseCommandLine({"--report=json"}).report->json);
-    EXPECT_TRUE(parseCommandLine({"--report=room.JSON"}).report->json);
     EXPECT_EQ(parseCommandLine({"--report=room.txt"}).report->file, "room.txt");
-}
-
-TEST(CommandLine, everyParameterIsTakenWithinItsRangeOnly)
-{
-    for (const vesk::audio::ParameterInfo& info : vesk::audio::parameterTable)
-    {
-        const auto set = [&](double value)
-        {
-            std::ostringstream text;
-            text << std::setprecision(9) << info.name << '=' << value;
-            return parseCommandLine({"a.wav", "-o", "b.wav", "--set", text.str()}).settings.at(0);
-        };
-
-        const auto low = static_cast<double>(info.minimum);
-        const auto high = static_cast<double>(info.maximum);
-        EXPECT_EQ(set(low).index, info.index) << info.name;
-        EXPECT_EQ(set(low).value, info.minimum) << info.name;
-        EXPECT_EQ(set(high).value, info.maximum) << info.name;
-        EXPECT_THROW(set(low - 0.01), UsageError) << info.name;
-        EXPECT_THROW(set(high + 0.01), UsageError) << info.name;
-    }
 }
 
 TEST(CommandLine, refusesWithTheReason)
@@ -117,10 +81,7 @@ TEST(CommandLine, refusesWithTheReason)
 
     for (const Row& row : rows)
     {
-        std::string words;
-        for (const std::string& word : row.arguments)
-            words += word + ' ';
-
+        const std::string words = testing::PrintToString(row.arguments);
         try
         {
             parseCommandLine(row.arguments);
@@ -132,20 +93,6 @@ TEST(CommandLine, refusesWithTheReason)
                 << words << ": " << error.what();
         }
     }
-}
-
-TEST(CommandLine, helpTellsAllOptionsInLinesThatFitATerminal)
-{
-    const std::string help = getHelpText();
-
-    for (const OptionDescription& option : getOptionTable())
-        EXPECT_NE(help.find(option.name), std::string::npos) << option.name;
-
-    std::istringstream lines(help);
-    for (std::string line; std::getline(lines, line);)
-        EXPECT_LE(line.size(), 80u) << line;
-
-    EXPECT_EQ(parseCommandLine({"-h"}).action, Action::showHelp); // needs no task
 }
 
 } // namespace ambrel::render
