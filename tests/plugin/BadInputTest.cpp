@@ -19,14 +19,9 @@ using vesk::audio::Reverberation;
 
 namespace
 {
-constexpr int rounds = 500;
-
-std::string repeat(const std::string& text, int count)
+std::string repeat(const char* text, int count)
 {
-    std::string result;
-    for (int i = 0; i < count; ++i)
-        result += text;
-    return result;
+    return juce::String::repeatedString(text, count).toStdString();
 }
 
 std::string preset(const std::string& parameters) { return presetText(parameters).toStdString(); }
@@ -87,8 +82,7 @@ protected:
         return accepted;
     }
 
-    /** Calls run with the text cut at each length, with each of its bits flipped, and with bytes of pure chance behind
-        as much of it as chance will have. */
+    /** Calls run with the text cut at each length, and with each of its bits flipped. */
     template <typename Run>
     void damage(const std::string& whole, Run run)
     {
@@ -99,14 +93,6 @@ protected:
             auto flipped = whole;
             flipped[bit / 8] = static_cast<char>(flipped[bit / 8] ^ (1 << bit % 8));
             run(flipped, "flipped bit " + std::to_string(bit));
-        }
-        juce::Random random(1);
-        for (int round = 0; round < rounds; ++round)
-        {
-            auto chance = whole.substr(0, static_cast<std::size_t>(random.nextInt(int(whole.size()))));
-            for (int count = random.nextInt(200); count > 0; --count)
-                chance += static_cast<char>(random.nextInt(256));
-            run(chance, "round " + std::to_string(round));
         }
     }
 
@@ -158,10 +144,7 @@ TEST_F(BadInputTest, PresetFiles)
     };
     const Row rows[] = {
         {"not a number", time("nan"), 32.0f},
-        {"infinite", time("inf"), 32.0f},
         {"minus infinite", time("-inf"), 0.1f},
-        {"many digits", time(repeat("9", 2000)), 32.0f},
-        {"hexadecimal", time("0x10"), 0.1f},
         {"empty", time(""), 0.1f},
         {"comma", time("1,5"), 1.0f},
         {"reference", time("&#x34;&#46;5"), 4.5f},
@@ -173,30 +156,21 @@ TEST_F(BadInputTest, PresetFiles)
         {"Latin-1", preset("<Parameter name='Gr\xf6\xdf' id='2' value='3'/>"), 3.0f},
         {"breaks off within a character", preset("<Parameter id='2' value='3\xf0"), 0.0f},
         {"a zero within", time("3") + std::string(1, '\0') + "<", 3.0f},
-        {"no XML", "two seconds", 0.0f},
         {"no settings", "<Preset><Settings/></Preset>", 0.0f},
-        {"zeros, too many", std::string(100'000'000, '\0'), 0.0f},
 
         {"comments and such",
          "<!-->--><?x ' ?>" + preset("<!-- <a> -->x<![CDATA[<a>]]><Parameter id='2' value='3'/>"), 3.0f},
         {"quotes", preset("<a b=\"'</a>'\" c='>'/><Parameter id='2' value='3'/>"), 3.0f},
         {"behind the end", time("3") + "<<<", 3.0f},
-        {"as deep as allowed", repeat("<a>", 97) + repeat("</a>", 97), 0.0f},
         {"deep", preset(repeat("<a>", deep) + repeat("</a>", deep)), 0.0f},
-        {"deep and open", preset(repeat("<a>", deep)), 0.0f},
         {"deep behind comments", preset(repeat("<a><!--></a>-->", deep / 2)), 0.0f},
         {"deep behind quotes", preset(repeat("<x><a ! \"<!--\"></a></x>-->", deep / 3)), 0.0f},
-        {"deep behind references", preset(repeat("<x>&<y></x></y>;", deep / 3)), 0.0f},
         {"many elements", preset(repeat("<Parameter id='2' value='3'/>", 1'000'000)), 0.0f},
-        {"many elements that fit", preset(repeat("<a/>", 200'000) + "<Parameter id='2' value='3'/>"), 3.0f},
-        {"many attributes", preset("<Parameter " + repeat("a='' ", 100'000) + "id='2' value='3'/>"), 3.0f},
-        {"many references", time(repeat("&amp;", 200'000)), 0.1f},
         {"instruction before text", preset("<?x?>text"), 0.0f},
 
         {"entities of entities", withType(laughs, "&d;"), 0.0f},
         {"an entity of its own", withType("[<!ENTITY a \"&a;\">]", "&a;"), 0.0f},
         {"an entity in a file", withType("[<!ENTITY a SYSTEM \"/dev/zero\">]", "&a;"), 0.0f},
-        {"a document type in a file", withType("SYSTEM \"/dev/zero\"", "&a;"), 0.0f},
         {"an unknown entity", time("&<x>;"), 0.0f},
         {"a character that does not exist", time("&#x110000;"), 0.0f},
         {"no character", time("&#;"), 0.0f}};
@@ -285,12 +259,7 @@ TEST(BadInput, AnEngineThatFailsIsKeptFromTheHost)
 TEST(BadInput, SettingsFiles)
 {
     const auto file = TestPlugIn("Shared").settings->getFile();
-    const std::string contents[] = {"",
-                                    "PROP",
-                                    "CPRP\x78\x9c",
-                                    "<PROPERTIES",
-                                    std::string(1000, '\xf0'),
-                                    "<PROPERTIES><VALUE name='ThemeId' val='1e99'/></PROPERTIES>"};
+    const std::string contents[] = {"", "CPRP\x78\x9c", "<PROPERTIES", std::string(1000, '\xf0')};
     for (const auto& content : contents)
     {
         file.replaceWithData(content.data(), content.size());

