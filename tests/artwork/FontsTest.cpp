@@ -1,5 +1,4 @@
-// The compiled-in fonts: they load from memory, and have the glyphs that the window asks for. That the icons' names
-// are those of the font is a test of its own.
+// The compiled-in fonts have the glyphs that the window asks for. That the icons' names are the font's is tested apart.
 
 #include "FontAwesomeData.h"
 #include "RobotoTypeface.h"

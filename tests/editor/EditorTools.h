@@ -53,23 +53,13 @@ inline void drag(juce::Slider& slider, juce::Point<float> from, juce::Point<floa
     slider.mouseUp(mouseEvent(slider, to, 0));
 }
 
-/** Items of a menu as text, one a line: id, text, and marks: [x] ticked, [-] greyed, [#] header, [>] sub-menu. */
-inline juce::String describe(const juce::PopupMenu& menu, const juce::String& indent = {})
+/** All items of a menu and of its sub-menus that can be chosen, one a line: id, text, and [x] if ticked. */
+inline juce::String describe(const juce::PopupMenu& menu)
 {
     juce::String text;
-    for (juce::PopupMenu::MenuItemIterator iterator(menu); iterator.next();)
-    {
-        const auto& item = iterator.getItem();
-        if (item.isSeparator)
-            text << indent << "----\n";
-        else if (item.isSectionHeader)
-            text << indent << "[#] " << item.text << "\n";
-        else if (item.subMenu != nullptr)
-            text << indent << "[>] " << item.text << "\n" << describe(*item.subMenu, indent + "  ");
-        else
-            text << indent << item.itemID << " " << item.text << (item.isTicked ? " [x]" : "")
-                 << (item.isEnabled ? "" : " [-]") << "\n";
-    }
+    for (juce::PopupMenu::MenuItemIterator iterator(menu, true); iterator.next();)
+        if (const auto& item = iterator.getItem(); item.itemID != 0 && item.subMenu == nullptr)
+            text << item.itemID << " " << item.text << (item.isTicked ? " [x]" : "") << "\n";
     return text;
 }
 

@@ -1,223 +1,115 @@
-// What the themes draw, measured in rendered pictures: where things are, how large, in which colour.
+// What the themes draw, measured in rendered pictures. The suite's name has it run once more without any font.
 
-#include "editor/IconButton.h"
-#include "tests/editor/ThemePictures.h"
+#include "editor/themes/DarkTheme.h"
+#include "editor/themes/ReverbTheme.h"
+#include "editor/themes/SteelTheme.h"
+#include "tests/artwork/Picture.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
 
 namespace
 {
-
-using namespace themeTest;
+using juce::Colour;
+using juce::Image;
 
 constexpr const char* themeNames[] = {"dark", "steel", "reverb"};
 
-/** The default angles of the library's knobs, in radians clockwise from the top. */
-constexpr double knobStart = 1.2 * juce::MathConstants<double>::pi;
-constexpr double knobEnd = 2.8 * juce::MathConstants<double>::pi;
-
-/** The colour on a knob at an angle and a distance from the centre. */
-Colour onKnob(const juce::Image& image, double angle, double distance)
+std::unique_ptr<BaseTheme> makeTheme(const std::string& name)
 {
-    return image.getPixelAt(juce::roundToInt(image.getWidth() * 0.5 + std::sin(angle) * distance - 0.5),
-                            juce::roundToInt(image.getHeight() * 0.5 - std::cos(angle) * distance - 0.5));
+    if (name == "dark")
+        return std::make_unique<DarkTheme>();
+    if (name == "steel")
+        return std::make_unique<SteelTheme>();
+    return std::make_unique<ReverbTheme>();
 }
 
-/** Distance from the centre at which the alpha last reaches half of what the ring has. */
-double outerEdge(const juce::Image& image, double angle, double nearby)
+/** A theme as the default look, which is where typefaces come from. */
+struct ThemeInUse
 {
-    const int half = onKnob(image, angle, nearby - 4).getAlpha() / 2;
-    double distance = nearby + 4;
-    while (distance > 0 && onKnob(image, angle, distance).getAlpha() < half)
-        distance -= 0.25;
-    return distance;
-}
-
-juce::Image renderSlider(juce::Slider::SliderStyle style, int width, int height, double value,
-                         bool isEnabled = true)
-{
-    juce::Slider slider(style, juce::Slider::NoTextBox);
-    slider.setSize(width, height);
-    slider.setRange(0.0, 1.0);
-    slider.setValue(value, juce::dontSendNotification);
-    slider.setEnabled(isEnabled);
-    return render(slider);
-}
-
-TEST(Themes, KnobHasItsRingFilledUpToTheValueAndItsPointerThere)
-{
-    struct Row
+    explicit ThemeInUse(const std::string& name) : theme(makeTheme(name))
     {
-        const char* theme;
-        double innerProportion;
-        Colour fill, rest;
-        double pointerProportion; ///< of the ring's outer radius
-        bool isPointerAlwaysThere;
-    };
-    const Row rows[] = {
-        {"reverb", 0.9, Colour(0xb3d27900), Colour(0x1a000000), 0.6, true},
-        {"steel", 0.7, Colour(0xb3d2691e), Colour(0x1a000000), 0.45, true},
-        {"dark", 0.8, Colour(0xb3eeac18), Colour(0x20000000), 0.5, false},
-    };
-    for (const auto& row : rows)
-        for (const double value : {0.2, 0.5, 0.9})
-            for (const bool isEnabled : {true, false})
-            {
-                SCOPED_TRACE(std::string(row.theme) + " at " + std::to_string(value));
-                const ThemeInUse theme(row.theme);
-                const auto image = renderSlider(juce::Slider::RotaryVerticalDrag, 640, 280, value, isEnabled);
-
-                const double radius = 280 / 2 - 2, inner = radius * row.innerProportion;
-                const double angle = knobStart + value * (knobEnd - knobStart);
-                const auto fill = isEnabled ? row.fill : Colour(0x80808080);
-                EXPECT_NEAR(outerEdge(image, angle - 0.1, radius), radius, 1.0);
-
-                // The rim of a face may reach into the ring.
-                for (const double distance : {inner + 4, radius - 2})
-                {
-                    EXPECT_TRUE(isNear(onKnob(image, knobStart + 0.03, distance), fill));
-                    EXPECT_TRUE(isNear(onKnob(image, angle - 0.03, distance), fill));
-                    EXPECT_TRUE(isNear(onKnob(image, angle + 0.03, distance), row.rest));
-                    EXPECT_TRUE(isNear(onKnob(image, knobEnd - 0.03, distance), row.rest));
-                }
-                EXPECT_EQ(onKnob(image, juce::MathConstants<double>::pi, radius - 2).getAlpha(), 0);
-
-                const auto pointer = onKnob(image, angle, row.pointerProportion * radius);
-                const auto elsewhere = onKnob(image, angle + 1.0, row.pointerProportion * radius);
-                EXPECT_EQ(isNear(pointer, elsewhere, 40), !isEnabled && !row.isPointerAlwaysThere)
-                    << isEnabled;
-            }
-}
-
-TEST(Themes, DarkFaderIsFilledFromItsLowEnd)
-{
-    const ThemeInUse theme("dark");
-    const auto isAmber = [](Colour colour)
-    { return colour.getRed() > colour.getBlue() + 80 && colour.getAlpha() > 170; };
-
-    const auto horizontal = renderSlider(juce::Slider::LinearHorizontal, 200, 32, 0.5);
-    EXPECT_TRUE(isAmber(horizontal.getPixelAt(40, 16)));
-    EXPECT_FALSE(isAmber(horizontal.getPixelAt(160, 16)));
-    EXPECT_GT(horizontal.getPixelAt(160, 11).getAlpha(), horizontal.getPixelAt(160, 21).getAlpha());
-
-    const auto vertical = renderSlider(juce::Slider::LinearVertical, 32, 200, 0.5);
-    EXPECT_TRUE(isAmber(vertical.getPixelAt(16, 160)));
-    EXPECT_FALSE(isAmber(vertical.getPixelAt(16, 40)));
-}
-
-TEST(Themes, ButtonsAnswerToTheMouseAndJoinTheirNeighbours)
-{
-    for (const auto* name : themeNames)
-    {
-        SCOPED_TRACE(name);
-        const ThemeInUse theme(name);
-        juce::TextButton button;
-        button.setSize(60, 24);
-        const auto renderIn = [&](juce::Button::ButtonState state)
-        {
-            button.setState(state);
-            return render(button);
-        };
-        const auto normal = renderIn(juce::Button::buttonNormal), over = renderIn(juce::Button::buttonOver),
-                   down = renderIn(juce::Button::buttonDown);
-        const auto middle = [](const juce::Image& image)
-        { return image.getPixelAt(30, 12).getPerceivedBrightness(); };
-        // Light falls from the top left: a raised button is dense at the bottom right, an engraved one at the
-        // top left.
-        const auto leaning = [](const juce::Image& image)
-        { return image.getPixelAt(57, 21).getAlpha() - image.getPixelAt(2, 2).getAlpha(); };
-
-        button.setConnectedEdges(juce::Button::ConnectedOnRight);
-        const auto joined = renderIn(juce::Button::buttonNormal);
-        EXPECT_GT(middle(normal), middle(over) + 0.03f);
-        EXPECT_LT(joined.getPixelAt(0, 0).getAlpha(), 60);
-        if (name == std::string("steel"))
-        {
-            EXPECT_GT(leaning(normal), 60);
-            EXPECT_LT(leaning(down), -60);
-            EXPECT_GT(joined.getPixelAt(59, 12).getAlpha(), joined.getPixelAt(0, 12).getAlpha() + 20);
-        }
-        else
-        {
-            EXPECT_GT(middle(over), middle(down) + 0.03f);
-            EXPECT_GT(joined.getPixelAt(59, 0).getAlpha(), 100);
-            EXPECT_GT(joined.getPixelAt(59, 23).getAlpha(), 100);
-        }
-        if (name == std::string("reverb"))
-        {
-            EXPECT_TRUE(isNear(normal.getPixelAt(30, 12), juce::Colours::white));
-            EXPECT_LT(normal.getPixelAt(30, 0).getBrightness(), 0.5f) << "the outline";
-            EXPECT_LT(normal.getPixelAt(3, 3).getBrightness(), 0.99f) << "the corner of radius 10 cuts this";
-        }
+        juce::LookAndFeel::setDefaultLookAndFeel(theme.get());
+        juce::Typeface::clearTypefaceCache();
     }
-}
 
-TEST(Themes, TicksAreDiscsInRadioButtonsAndSquaresElsewhere)
-{
-    for (const auto& [name, boxOfWidth] : {std::pair{"dark", 0.9f}, {"steel", 0.8f}, {"reverb", 0.8f}})
-        for (const bool isRadio : {false, true})
-        {
-            SCOPED_TRACE(std::string(name) + (isRadio ? " radio" : ""));
-            const ThemeInUse theme(name);
-            juce::ToggleButton button;
-            button.setRadioGroupId(isRadio ? 1 : 0, juce::dontSendNotification);
-            button.setSize(120, 100);
-
-            // A large box, to have room for the probes.
-            const auto renderBox = [&](bool isTicked)
-            {
-                return draw(120, 100,
-                            [&](auto& g) {
-                                theme->drawTickBox(g, button, 10, 0, 100, 100, isTicked, true, false, false);
-                            });
-            };
-            const auto plain = renderBox(false), ticked = renderBox(true);
-
-            const float size = 100 * boxOfWidth;
-            const int left = 10, top = juce::roundToInt(50 - size / 2);
-            const int right = juce::roundToInt(left + size), tickLeft = juce::roundToInt(left + 0.2f * size);
-            const auto isColoured = [&](int x, int y) { return ticked.getPixelAt(x, y).getAlpha() > 200; };
-
-            EXPECT_EQ(plain.getPixelAt(right + 2, 50).getAlpha(), 0);
-            EXPECT_GT(plain.getPixelAt(right - 3, 50).getAlpha(), 0);
-            EXPECT_EQ(plain.getPixelAt(left + 6, top + 6).getAlpha() == 0, isRadio);
-
-            EXPECT_TRUE(isColoured(tickLeft + 3, 50));
-            EXPECT_FALSE(isColoured(tickLeft - 3, 50));
-            EXPECT_EQ(isColoured(tickLeft + 4, juce::roundToInt(50 - 0.3f * size) + 4), !isRadio);
-        }
-}
-
-TEST(Themes, TitleStandsAt120AndIsAsWideAsTold)
-{
-    for (const auto* name : themeNames)
+    ~ThemeInUse()
     {
-        const ThemeInUse theme(name);
-        const auto renderHeader = [&](const juce::String& title)
-        { return draw(640, 40, [&](auto& g) { theme->paintHeaderBackground(g, 640, 40, title); }); };
-
-        const auto ink = differences(renderHeader({}), renderHeader("Ambrel"), 60).getBounds();
-        EXPECT_NEAR(ink.getX(), 120, 3) << name;
-        EXPECT_NEAR(ink.getRight(), 120 + theme->getTitleWidth("Ambrel"), 3.0) << name;
+        juce::LookAndFeel::setDefaultLookAndFeel(nullptr);
+        juce::Typeface::clearTypefaceCache();
     }
-}
 
-TEST(Themes, DarkWindowButtonsAreGlyphsAlone)
-{
-    DarkTheme theme;
-    for (const auto& [type, name] : {std::pair{1, "minimize"}, {2, "maximize"}, {4, "close"}})
-    {
-        const std::unique_ptr<juce::Button> button(theme.createDocumentWindowButton(type));
-        ASSERT_NE(dynamic_cast<IconButton*>(button.get()), nullptr) << name;
-        EXPECT_EQ(button->getName(), juce::String(name));
-
-        button->setLookAndFeel(&theme);
-        button->setSize(24, 24);
-        const auto image = render(*button);
-        EXPECT_EQ(image.getPixelAt(1, 1).getAlpha(), 0);
-        const auto isGrey = [](Colour colour) { return difference(colour, Colour(0xffc3c6cc)) <= 3; };
-        EXPECT_GT(count(image, image.getBounds(), isGrey), 3) << name;
-        button->setLookAndFeel(nullptr);
-    }
-    EXPECT_EQ(theme.createDocumentWindowButton(3), nullptr);
-}
+    const std::unique_ptr<BaseTheme> theme;
+};
 
 } // namespace
+
+TEST(Themes, KnobIsFilledUpToItsValue)
+{
+    constexpr float pi = juce::MathConstants<float>::pi;
+    for (const auto& [name, fill] : {std::pair{"reverb", Colour(0xb3d27900)},
+                                     {"steel", Colour(0xb3d2691e)},
+                                     {"dark", Colour(0xb3eeac18)}})
+        for (const float value : {0.2f, 0.5f, 0.9f})
+        {
+            const ThemeInUse inUse(name);
+            juce::Slider slider(juce::Slider::RotaryVerticalDrag, juce::Slider::NoTextBox);
+            slider.setSize(280, 280);
+            slider.setRange(0.0, 1.0);
+            slider.setValue(value, juce::dontSendNotification);
+            slider.setVisible(true);
+            const auto image = slider.createComponentSnapshot(slider.getLocalBounds());
+            for (const float on : {0.02f, value - 0.02f, value + 0.02f, 0.98f})
+            {
+                const juce::Point<float> centre(140.0f, 140.0f);
+                const auto point = centre.getPointOnCircumference(136.0f, (1.2f + 1.6f * on) * pi).toInt();
+                EXPECT_EQ(difference(image.getPixelAt(point.x, point.y), fill) <= 3, on < value)
+                    << name << " at " << value << ", " << on;
+            }
+        }
+}
+
+TEST(Themes, TextsShowInMenusTooltipsButtonsAndLabels)
+{
+    const juce::Rectangle<int> area(200, 30);
+    using Draw = std::function<void(BaseTheme&, juce::Graphics&, const juce::String&)>;
+    const auto paint = [&](juce::Component&& shown, juce::Graphics& g)
+    {
+        shown.setSize(area.getWidth(), area.getHeight());
+        shown.paintEntireComponent(g, false);
+    };
+    const std::pair<const char*, Draw> places[] = {
+        {"menu", [&](auto& theme, auto& g, auto& text)
+         { theme.drawPopupMenuItem(g, area, false, true, false, false, false, text, {}, nullptr, nullptr); }},
+        {"section",
+         [&](auto& theme, auto& g, auto& text) { theme.drawPopupMenuSectionHeader(g, area, text); }},
+        {"tooltip", [&](auto& theme, auto& g, auto& text) { theme.drawTooltip(g, text, 200, 30); }},
+        {"button", [&](auto&, auto& g, auto& text) { paint(juce::TextButton(text), g); }},
+        {"label", [&](auto&, auto& g, auto& text) { paint(juce::Label({}, text), g); }}};
+
+    for (const std::string name : themeNames)
+    {
+        SCOPED_TRACE(name);
+        // A window that is being opened measures its title before its theme is the default.
+        EXPECT_GT(makeTheme(name)->getTitleWidth("Veskora"), 50.0f);
+
+        const ThemeInUse inUse(name);
+        const auto measure = [](const juce::Font& font) { return font.getStringWidthFloat("Veskora"); };
+        EXPECT_GT(measure({"No Such Typeface", 20.0f, juce::Font::plain}), 40.0f);
+        EXPECT_GT(measure(juce::Font(20.0f, juce::Font::bold)), 1.01f * measure(juce::Font(20.0f)));
+
+        for (const auto& [place, draw] : places)
+        {
+            const auto renderText = [&, &drawPlace = draw](const juce::String& text)
+            {
+                Image image(Image::ARGB, area.getWidth(), area.getHeight(), true);
+                juce::Graphics g(image);
+                g.fillAll(juce::Colours::grey);
+                drawPlace(*inUse.theme, g, text);
+                return image;
+            };
+            EXPECT_GT(countDifferences(renderText(" "), renderText("Veskora"), 60), 50) << place;
+        }
+    }
+}

@@ -29,11 +29,10 @@ public:
     /** Plays one block and returns its level. */
     float play()
     {
+        constexpr double step = juce::MathConstants<double>::twoPi * toneFrequency / sampleRate;
         for (int i = 0; i < blockSize; ++i, ++time)
             for (int channel = 0; channel < 2; ++channel)
-                buffer.setSample(channel, i,
-                                 static_cast<float>(0.1 * std::sin(juce::MathConstants<double>::twoPi *
-                                                                   toneFrequency * time / sampleRate)));
+                buffer.setSample(channel, i, static_cast<float>(0.1 * std::sin(step * time)));
         plugIn.processBlock(buffer, midi);
         return buffer.getRMSLevel(0, 0, blockSize) + buffer.getRMSLevel(1, 0, blockSize);
     }
@@ -60,16 +59,7 @@ private:
 class AudioThread
 {
 public:
-    explicit AudioThread(juce::AudioProcessor& plugIn)
-        : tone(plugIn), thread(
-                            [this]
-                            {
-                                while (isRunning)
-                                {
-                                    level = tone.play();
-                                    ++blocks;
-                                }
-                            })
+    explicit AudioThread(juce::AudioProcessor& plugIn) : tone(plugIn), thread([this] { run(); })
     {
         waitFor(200);
     }
@@ -90,6 +80,12 @@ public:
     std::atomic<float> level{0.0f};
 
 private:
+    void run()
+    {
+        for (; isRunning; ++blocks)
+            level = tone.play();
+    }
+
     std::atomic<bool> isRunning{true};
     Tone tone;
     std::thread thread;

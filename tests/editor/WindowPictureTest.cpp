@@ -25,27 +25,12 @@ TEST_F(WindowTest, oneLookWhateverTheSettingsSay)
     EXPECT_EQ(dynamic_cast<BaseTheme*>(&juce::LookAndFeel::getDefaultLookAndFeel()), nullptr);
 }
 
-TEST_F(WindowTest, controlSurfaceHighlightsTheKnobAlone)
-{
-    constexpr auto colourId = juce::Slider::rotarySliderFillColourId;
-    const auto before = fader->findColour(colourId);
-    for (const int index : {-1, 1, 2, 99, 0})
-    {
-        window->setControlHighlight({index, true, juce::Colours::cyan});
-        EXPECT_EQ(knob->findColour(colourId), index == 0 ? juce::Colours::cyan : orange) << index;
-        EXPECT_EQ(fader->findColour(colourId), before);
-    }
-    window->setControlHighlight({0, false, juce::Colours::cyan});
-    EXPECT_EQ(knob->findColour(colourId), orange);
-}
-
 TEST_F(WindowTest, pictureShowsTheControlsValues)
 {
     using juce::Colours::white;
     const auto paleOrange = white.interpolatedWith(orange, 0.7f);
     const auto restOfRing = white.interpolatedWith(juce::Colours::black, 0.1f);
     const auto thumb = orange.withMultipliedSaturation(0.9f);
-    const auto face = white.withBrightness(0.9f), edge = white.withBrightness(0.8f);
 
     for (const double position : {0.0, 0.25, 0.5, 0.75, 1.0})
     {
@@ -54,10 +39,7 @@ TEST_F(WindowTest, pictureShowsTheControlsValues)
         fader->setValue(100.0 * position, juce::dontSendNotification);
         const auto image = picture();
         const auto isColour = [&](juce::Point<double> point, juce::Colour colour)
-        {
-            const auto found = image.getPixelAt(static_cast<int>(point.x), static_cast<int>(point.y));
-            return difference(found, colour) <= 12;
-        };
+        { return difference(image.getPixelAt(point.toInt().x, point.toInt().y), colour) <= 12; };
 
         // The knob's centre, and clockwise from the top its way, four fifths of a turn.
         const auto pointOn = [&](double proportion, double radius)
@@ -65,34 +47,15 @@ TEST_F(WindowTest, pictureShowsTheControlsValues)
             const double angle = (1.2 + 1.6 * proportion) * juce::MathConstants<double>::pi;
             return juce::Point<double>(320.0 + radius * std::sin(angle), 308.0 - radius * std::cos(angle));
         };
-        for (double on = 0.03; on < 1.0; on += 0.05)
-            for (const double radius : {126.5, 136.0})
-                EXPECT_TRUE(std::abs(on - position) < 0.02 ||
-                            isColour(pointOn(on, radius), on < position ? paleOrange : restOfRing))
-                    << on << " " << radius;
-        for (const double on : {-0.015, 0.3, 0.6, 1.015})
-            for (const double radius : {123.0, 140.0})
-                EXPECT_TRUE(isColour(pointOn(on, radius), white)) << "beside the ring " << on;
-        EXPECT_TRUE(isColour(pointOn(1.125, 130.0), white)) << "the gap at the bottom";
+        for (const double on : {0.03, 0.22, 0.28, 0.47, 0.53, 0.72, 0.78, 0.97})
+            EXPECT_TRUE(isColour(pointOn(on, 131.0), on < position ? paleOrange : restOfRing)) << on;
+        EXPECT_TRUE(isColour(pointOn(1.125, 131.0), white)) << "the gap at the bottom";
+        for (const double away : {-0.06, 0.0, 0.06})
+            EXPECT_EQ(isColour(pointOn(position + away, 82.8), thumb), away == 0.0) << "the pointer";
 
-        // The face rises to an edge; the pointer of 20 pixels stands on it.
-        EXPECT_TRUE(isColour(pointOn(position + 0.5, 95.0), face));
-        EXPECT_TRUE(isColour(pointOn(position + 0.5, 112.0), edge));
-        for (const double offset : {-12.0, -8.0, 0.0, 8.0, 12.0})
-            EXPECT_EQ(isColour(pointOn(position, 82.8 + offset), thumb), std::abs(offset) < 10.0) << offset;
-
-        // The fader's thumb of 14 pixels goes from x = 73 to 559 along a groove of 9, darker at the top.
-        const double thumbX = 73.0 + 486.0 * position;
-        for (const double offset : {-5.0, 0.0, 5.0})
-            EXPECT_TRUE(isColour({thumbX + offset, 461.0 + offset}, thumb)) << offset;
-        EXPECT_FALSE(isColour({thumbX, 452.0}, thumb));
-        const int besideThumb = static_cast<int>(thumbX) + (position < 0.5 ? 9 : -9);
-        EXPECT_FALSE(isColour({static_cast<double>(besideThumb), 461.0}, thumb));
-        const auto brightness = [&](int y) { return image.getPixelAt(besideThumb, y).getBrightness(); };
-        EXPECT_LT(brightness(458), brightness(463));
-        EXPECT_LT(brightness(463), 1.0f);
-        for (const int beside : {455, 466})
-            EXPECT_EQ(brightness(beside), 1.0f);
+        // The fader's thumb goes from x = 73 to 559.
+        for (const double away : {-12.0, 0.0, 12.0})
+            EXPECT_EQ(isColour({73.0 + 486.0 * position + away, 461.0}, thumb), away == 0.0) << away;
     }
 }
 
@@ -100,23 +63,17 @@ TEST_F(WindowTest, pictureHasStripMarksBandAndWords)
 {
     using juce::Colours::white;
     const auto image = picture();
-    EXPECT_EQ(image.getPixelAt(110, 39), juce::Colour(0xffdfe1db)) << "between logo and title";
-    EXPECT_LE(difference(image.getPixelAt(20, 40), white.darker(0.21f)), 24) << "the shadow's dark end";
-    EXPECT_LT(image.getPixelAt(20, 41).getBrightness(), image.getPixelAt(20, 44).getBrightness());
-    EXPECT_EQ(image.getPixelAt(20, 46), white);
-
     struct Point
     {
         int x, y;
         bool isInBand;
     };
-    for (const auto& [x, y, isInBand] : {Point{5, 380, true},
-                                         {190, 384, true},
-                                         {224, 417, true},
-                                         {5, 419, true},
-                                         {5, 379, false},
+    for (const auto& [x, y, isInBand] : {Point{5, 375, false},
+                                         {5, 385, true},
+                                         {185, 385, true},
                                          {201, 385, false},
-                                         {5, 420, false}})
+                                         {5, 415, true},
+                                         {5, 425, false}})
         for (const int side : {x, 639 - x})
             EXPECT_LE(difference(image.getPixelAt(side, y), isInBand ? orange : white), 12)
                 << side << " " << y;
@@ -129,10 +86,10 @@ TEST_F(WindowTest, pictureHasStripMarksBandAndWords)
         juce::Colour colour;
         int least;
     };
-    const juce::Colour grey(0xff424142);
+    const juce::Colour grey(0xff424142), strip(0xffdfe1db);
     for (const auto& [what, area, colour, least] :
-         {Row{"word mark", {244, 74, 130, 52}, orange, 500}, Row{"small mark", {374, 74, 24, 52}, grey, 90},
-          Row{"maker's logo", {8, 4, 83, 32}, grey, 40},
+         {Row{"strip", {92, 4, 28, 30}, strip, 500}, Row{"word mark", {244, 74, 130, 52}, orange, 500},
+          Row{"small mark", {374, 74, 24, 52}, grey, 90}, Row{"maker's logo", {8, 4, 83, 32}, grey, 40},
           Row{"title", {120, 4, 84, 30}, juce::Colours::black, 150},
           Row{"small", {20, 390, 160, 20}, white, 300}, Row{"large", {470, 390, 150, 20}, white, 250},
           Row{"dry", {20, 444, 40, 16}, grey, 80}, Row{"wet", {576, 444, 44, 16}, grey, 80}})

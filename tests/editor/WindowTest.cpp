@@ -5,22 +5,10 @@
 
 using vesk::audio::Reverberation;
 
-TEST_F(WindowTest, controlsLieWhereTheyShould)
+TEST_F(WindowTest, controlsCanBeReachedAndReadOut)
 {
-    EXPECT_EQ(window->getBounds(), juce::Rectangle<int>(640, 480));
-    EXPECT_FALSE(window->isResizable());
-    EXPECT_EQ(header->getBounds(), juce::Rectangle<int>(0, 0, 640, 56));
-    EXPECT_EQ(knob->getBounds(), juce::Rectangle<int>(0, 168, 640, 280));
-    EXPECT_EQ(fader->getBounds(), juce::Rectangle<int>(64, 445, 504, 32));
-
-    EXPECT_EQ(knob->getRange(), juce::Range<double>(0.5, 8.0));
-    EXPECT_EQ(knob->getSkewFactor(), 0.5);
-    EXPECT_EQ(fader->getRange(), juce::Range<double>(0.0, 100.0));
-    EXPECT_EQ(fader->getInterval(), 0.0);
-
-    // The tab key goes through the header and on to the two controls, each of which can be read out.
     const auto order = window->createKeyboardFocusTraverser()->getAllComponents(window.get());
-    ASSERT_EQ(order.size(), 12u);
+    ASSERT_EQ(order.size(), 12u) << "ten buttons and the two controls";
     EXPECT_EQ(order[10], knob);
     EXPECT_EQ(order[11], fader);
     knob->setValue(2.0, juce::dontSendNotification);
@@ -29,8 +17,6 @@ TEST_F(WindowTest, controlsLieWhereTheyShould)
     EXPECT_EQ(fader->getTitle() + " " + fader->getTextFromValue(fader->getValue()), "Reverb mix 33 %");
     EXPECT_EQ(knob->getValueFromText("25 %"), 2.0);
     EXPECT_EQ(fader->getValueFromText("33 %"), 33.0);
-    for (auto* slider : {static_cast<juce::Slider*>(knob), fader})
-        EXPECT_EQ(window->getControlParameterIndex(*slider), -1);
 }
 
 TEST_F(WindowTest, movingAControlSetsItsPairOfEngineParameters)
@@ -175,15 +161,8 @@ TEST_F(WindowTest, headersButtonsMoveTheControls)
     expectShown("First", 1.0, -6.0f);
 }
 
-TEST_F(WindowTest, menusAreTheProducts)
+TEST_F(WindowTest, menuIgnoresForeignIdsAndAWindowThatHasGone)
 {
-    EXPECT_EQ(describe(header->getPlugInMenu()).replace("----\n----\n", "----\n"),
-              "16384 Upgrade to Veskora Quellar...\n"
-              "16385 Browse other Veskora products...\n"
-              "----\n"
-              "8193 About Veskora Ambrel...\n");
-
-    // Nothing happens for ids that are nobody's, or when the window has gone.
     const auto states = processor.undoStates.size();
     for (const int id : {0, 1, 8207, 8210, 8447})
         BasePluginEditor::plugInMenuCallback(id, window.get());
