@@ -290,15 +290,24 @@ void MemoryPool::release(void* block) noexcept
 {
     if (block == nullptr)
         return;
-    const auto [sizeClass, home] = *(static_cast<Header*>(block) - 1);
+    auto& [sizeClass, home] = *(static_cast<Header*>(block) - 1);
     if (home == nullptr)
     {
         giveToSystem(block);
         return;
     }
     setPoisoned(block, true);
-    if (!home->shelves[sizeClass].give(block))
-        giveToSystem(block);
+    const auto shelf = sizeClass; // the block is another thread's as soon as it is given
+    if (home->shelves[shelf].give(block))
+        return;
+    // A stream leaves the system's allocator alone, even for what it has no use for.
+    if (home != &streamStore && currentStore == &streamStore)
+    {
+        home = &streamStore;
+        if (streamStore.shelves[shelf].give(block))
+            return;
+    }
+    giveToSystem(block);
 }
 
 void MemoryPool::trim() noexcept

@@ -65,7 +65,7 @@ void FirFilter::setMultipleIRs(const std::vector<Signal32>& responses)
         head->setNumSlices(countHeadSlices(head->getSize()));
         head->setImpulseResponses(impulseResponses);
     }
-    choosePlayers(true);
+    choosePlayers();
 
     // The first response tells the length; the heads share a past, so a shorter one is filled up.
     const int numTaps = std::min(impulseResponses.front().numSamples, headLength);
@@ -101,7 +101,7 @@ void FirFilter::updateBlockSize(int length)
     if (blockPartitionSize != formerPartitionSize)
         for (auto& partition : partitions)
             partition->active = partition->offset >= blockPartitionSize;
-    choosePlayers(false);
+    choosePlayers();
 }
 
 void FirFilter::chooseHead(int length)
@@ -180,7 +180,7 @@ void FirFilter::runPartitions(const Block& block, std::span<Signal32> outputs)
         for (auto& partition : partitions)
             if (partition->playing)
                 visit(*partition);
-        if (tail != nullptr)
+        if (tail != nullptr && tail->playing)
             visit(*tail);
     };
 

@@ -106,7 +106,7 @@ public:
     std::vector<std::unique_ptr<Partition>> partitions; ///< in schedule order
     std::shared_ptr<Partition> blockPartition;          ///< the FFT head, or empty
     std::shared_ptr<Partition> shortHead;               ///< the head for short blocks, or empty
-    std::shared_ptr<Partition> tail;                    ///< plays the partitions from tailStart on, or empty
+    std::unique_ptr<Partition> tail;                    ///< plays the partitions from tailStart on, or empty
     std::size_t tailStart = 0;
     int numChannels = 0;
     int numImpulseResponses = 0;
@@ -126,8 +126,9 @@ private:
     int getTailSliceSize() const;
     int getTailOffset() const;
     int countHeadSlices(int size) const;
-    void choosePlayers(bool areResponsesNew);
-    void updateTail(int offset);
+    void updateTail();
+    void choosePlayers();
+    void setPlaying(Partition& partition, bool plays);
     void shareSpectra();
     int getLookBack() const;
     void updateBlockSize(int length);
@@ -262,14 +263,15 @@ public:
 
     int getSize() const { return fftSize / 2; }
 
-    // State, open to inspection; active and playing belong to the FirFilter.
+    // State, open to inspection; active, playing and upToDate belong to the FirFilter.
 
     int numImpulseResponses;
     int numChannels;
     int fftSize; ///< twice the partition's size
     int impulseResponseLength = 0;
-    bool active = true;   ///< the head does not take this slice's place
-    bool playing = false; ///< and neither the head's later slices nor a tail play it
+    bool active = true;    ///< the head does not take this slice's place
+    bool playing = false;  ///< and neither the head's later slices nor a tail play it
+    bool upToDate = false; ///< it has the present responses
     std::vector<SignalQueue<Signal32>, PoolAllocator<SignalQueue<Signal32>>> queues;
     std::vector<Spectrum, PoolAllocator<Spectrum>>
         irSpectra; ///< response k, slice s at index k * numSlices + s
@@ -280,7 +282,7 @@ public:
 private:
     bool isPaired() const { return numChannels % 2 == 0; }
     void keepSpectra();
-    Spectrum transformResponse(const Signal32& padded);
+    void transformResponse(const Signal32& padded, Spectrum& result);
     int getLead() const;
     std::int64_t getFrameStart(const Block& block) const { return block.start - getLead(); }
     void multiplySlices(const Block& block, int count);

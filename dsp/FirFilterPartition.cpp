@@ -92,33 +92,29 @@ void FirFilter::Partition::setImpulseResponses(const std::vector<Signal32>& resp
         for (int channel = 0; channel < numChannels && length > 0; ++channel)
             check(ippsMulC_32f(response.getChannelPtr(channel) + start, scale,
                                padded.getWriteChannelPtr(channel) + getSize(), length));
-        irSpectra[i] = transformResponse(padded);
+        transformResponse(padded, irSpectra[i]);
     }
     slicesDone = 0; // those of the former responses
 }
 
-FirFilter::Spectrum FirFilter::Partition::transformResponse(const Signal32& padded)
+void FirFilter::Partition::transformResponse(const Signal32& padded, Spectrum& result)
 {
-    Spectrum result;
-    if (isPaired())
+    if (!isPaired())
     {
-        result.parts = Signal32(2 * numChannels, getSize() + 1);
-        Signal32 joint(2, fftSize + 1);
-        for (int channel = 0; channel < numChannels; channel += 2)
-        {
-            const auto pair = getPair(joint, 0);
-            fourierTransform.forwardStereo(padded.getChannelPtr(channel), padded.getChannelPtr(channel + 1),
-                                           pair);
-            separate(asConst(pair), getSize(), getPair(result.parts, channel),
-                     getPair(result.parts, channel + 1));
-        }
-    }
-    else
-    {
-        result.bins = ComplexSignal32(numChannels, getSize() + 1);
+        result.bins.ensureDimensions(numChannels, getSize() + 1);
         fourierTransform.forwardReal(padded, result.bins);
+        return;
     }
-    return result;
+    result.parts.ensureDimensions(2 * numChannels, getSize() + 1);
+    Signal32 joint(2, fftSize + 1);
+    for (int channel = 0; channel < numChannels; channel += 2)
+    {
+        const auto pair = getPair(joint, 0);
+        fourierTransform.forwardStereo(padded.getChannelPtr(channel), padded.getChannelPtr(channel + 1),
+                                       pair);
+        separate(asConst(pair), getSize(), getPair(result.parts, channel),
+                 getPair(result.parts, channel + 1));
+    }
 }
 
 /** How far before the current block's first sample the next frame starts. */

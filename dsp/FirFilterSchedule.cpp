@@ -70,8 +70,12 @@ void FirFilter::updatePartitions()
         const int size = partitionSizes[i];
         if (partition == nullptr || partition->getSize() != size || partition->offset != offset)
             partition = std::make_unique<Partition>(numChannels, numImpulseResponses, offset, size);
+        partition->upToDate = false;
         offset += size;
     }
+    updateTail();
+    if (tail != nullptr)
+        tail->upToDate = false;
 }
 
 int FirFilter::getTailSliceSize() const
@@ -114,50 +118,54 @@ int FirFilter::countHeadSlices(int size) const
     return (end + size - 1) / size;
 }
 
-/** Decides which partitions play, and whether a tail does, and hands responses to those that lack them. */
-void FirFilter::choosePlayers(bool areResponsesNew)
+/** A tail of the same slices at the same offset is kept, with its queues. */
+void FirFilter::updateTail()
+{
+    const int offset = getTailOffset();
+    if (offset == noTail)
+    {
+        tail.reset();
+        return;
+    }
+    const int size = getTailSliceSize();
+    const int numSlices = (getEnd(*partitions.back()) - offset + size - 1) / size;
+    if (tail == nullptr || tail->getSize() != size || tail->offset != offset)
+        tail = std::make_unique<Partition>(numChannels, numImpulseResponses, offset, size, numSlices);
+    else
+        tail->setNumSlices(numSlices);
+}
+
+/** Decides which partitions play, and whether the tail does. */
+void FirFilter::choosePlayers()
 {
     const auto* head = getPartitionedHead();
     const int headSize = std::max(blockPartitionSize, headLength);
     const int headEnd = head != nullptr ? head->numSlices * head->getSize() : headLength;
-    const int tailOffset = blockPartitionSize < getTailSliceSize() ? getTailOffset() : noTail;
+    const bool tailPlays = tail != nullptr && blockPartitionSize < tail->getSize();
 
     for (auto& partition : partitions)
     {
         const bool isInHead = partition->offset >= headSize && getEnd(*partition) <= headEnd;
-        const bool plays = partition->active && !isInHead && partition->offset < tailOffset;
-        if (plays && !partition->playing)
-        {
-            // What was queued before the pause belongs to another time: it goes on from the history.
-            partition->reset();
-            partition->alignFrames(position);
-        }
-        if (plays && (areResponsesNew || !partition->playing))
-            partition->setImpulseResponses(impulseResponses);
-        partition->playing = plays;
+        const bool isInTail = tailPlays && partition->offset >= tail->offset;
+        setPlaying(*partition, partition->active && !isInHead && !isInTail);
     }
-
-    if (tailOffset == noTail)
-        tail.reset();
-    else if (areResponsesNew || tail == nullptr)
-        updateTail(tailOffset);
+    if (tail != nullptr)
+        setPlaying(*tail, tailPlays);
     shareSpectra();
 }
 
-/** A tail of the same slices at the same offset is kept, with its queues. */
-void FirFilter::updateTail(int offset)
+void FirFilter::setPlaying(Partition& partition, bool plays)
 {
-    const int size = getTailSliceSize();
-    const int numSlices = (getEnd(*partitions.back()) - offset + size - 1) / size;
-    if (tail == nullptr || tail->getSize() != size || tail->offset != offset)
+    if (plays && !partition.playing)
     {
-        tail = std::allocate_shared<Partition>(PoolAllocator<Partition>(), numChannels, numImpulseResponses,
-                                               offset, size, numSlices);
-        tail->alignFrames(position);
+        // What was queued before the pause belongs to another time: it goes on from the history.
+        partition.reset();
+        partition.alignFrames(position);
     }
-    else
-        tail->setNumSlices(numSlices);
-    tail->setImpulseResponses(impulseResponses);
+    if (plays && !partition.upToDate)
+        partition.setImpulseResponses(impulseResponses);
+    partition.upToDate = partition.upToDate || plays;
+    partition.playing = plays;
 }
 
 /** Transforms each frame once for all that need it: those whose frames start at the same places in the stream. */
@@ -180,7 +188,7 @@ void FirFilter::shareSpectra()
             share(*partition, partition->offset);
     if (blockPartition != nullptr)
         share(*blockPartition, position);
-    if (tail != nullptr)
+    if (tail != nullptr && tail->playing)
         share(*tail, tail->offset);
 }
 
