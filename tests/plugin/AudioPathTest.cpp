@@ -6,8 +6,6 @@
 #include <xmmintrin.h>
 #endif
 
-using vesk::audio::SpeakerPosition;
-
 namespace
 {
 constexpr double rate = 48000.0;
@@ -43,6 +41,8 @@ TEST_F(AudioPathTest, PassesEachChannelThroughTheEngine)
     EXPECT_EQ(out.getSample(0, 63), 0.5f);
     EXPECT_EQ(out.getSample(1, 0), 1.0f);
     EXPECT_FALSE(engine.lastBypassed);
+    EXPECT_EQ(engine.inputFormat, vesk::audio::AudioFormat(2, rate));
+    EXPECT_EQ(engine.outputFormat, vesk::audio::AudioFormat(2, rate));
 
     run(makeBlock(0));
     EXPECT_EQ(engine.blocks, 1) << "empty blocks do not reach the engine";
@@ -77,19 +77,6 @@ TEST_F(AudioPathTest, FlushesDenormalsDuringTheBlockOnly)
 }
 #endif
 
-TEST_F(AudioPathTest, SetsFormatOnlyWhenItChanges)
-{
-    plugIn.prepareToPlay(rate, 512);
-    plugIn.prepareToPlay(rate, 256);
-    EXPECT_EQ(engine.formatsSet, 1);
-    EXPECT_EQ(engine.resets, 2);
-    EXPECT_EQ(engine.expectedBlockSize, 256);
-
-    plugIn.prepareToPlay(44100.0, 256);
-    EXPECT_EQ(engine.formatsSet, 2);
-    EXPECT_EQ(engine.inputFormat, vesk::audio::AudioFormat(2, 44100.0));
-}
-
 TEST_F(AudioPathTest, StaysSilentUntilAFormatIsAccepted)
 {
     engine.acceptsFormat = false;
@@ -101,18 +88,6 @@ TEST_F(AudioPathTest, StaysSilentUntilAFormatIsAccepted)
     engine.acceptsFormat = true;
     plugIn.prepareToPlay(44100.0, 16);
     EXPECT_EQ(run(makeBlock(16)).getSample(0, 0), 0.5f);
-}
-
-TEST_F(AudioPathTest, TheEngineKnowsWhereTheSpeakersStand)
-{
-    const auto speaker = [](float x, float y, auto type) { return SpeakerPosition{x, y, 0, type, -1}; };
-    ASSERT_TRUE(plugIn.setPreferredBusArrangement(true, 0, juce::AudioChannelSet::create5point1()));
-    plugIn.prepareToPlay(rate, 16);
-    const std::vector speakers{speaker(-1, 1, vesk::audio::Regular),  speaker(1, 1, vesk::audio::Regular),
-                               speaker(0, 1, vesk::audio::Regular),   speaker(0, 1, vesk::audio::Lfe),
-                               speaker(-1, -1, vesk::audio::Regular), speaker(1, -1, vesk::audio::Regular)};
-    EXPECT_EQ(engine.inputFormat.speakers, speakers);
-    EXPECT_EQ(engine.outputFormat.speakers, speakers);
 }
 
 TEST_F(AudioPathTest, HoldsTheOutputBackByTheLeadLatency)

@@ -26,15 +26,6 @@ std::string repeat(const char* text, int count)
 
 std::string preset(const std::string& parameters) { return presetText(parameters).toStdString(); }
 
-/** A preset with a reverb time, as two-byte units with their mark. */
-std::string utf16(bool bigEndian)
-{
-    std::string result = bigEndian ? "\xfe\xff" : "\xff\xfe";
-    for (const char c : preset("<Parameter id='2' value='3'/>"))
-        result += bigEndian ? std::string{'\0', c} : std::string{c, '\0'};
-    return result;
-}
-
 class BadInputTest : public ::testing::Test
 {
 protected:
@@ -135,6 +126,8 @@ TEST_F(BadInputTest, PresetFiles)
     const std::string laughs = "[<!ENTITY a \"ha\"><!ENTITY b \"" + repeat("&a;", 10) + "\"><!ENTITY c \"" +
                                repeat("&b;", 10) + "\"><!ENTITY d \"" + repeat("&c;", 10) + "\">]";
     constexpr int deep = 100'000;
+    juce::MemoryOutputStream utf16;
+    utf16.writeText(juce::String(time("3")), true, true, nullptr);
 
     struct Row
     {
@@ -149,8 +142,7 @@ TEST_F(BadInputTest, PresetFiles)
         {"comma", time("1,5"), 1.0f},
         {"reference", time("&#x34;&#46;5"), 4.5f},
 
-        {"UTF-16, low byte first", utf16(false), 3.0f},
-        {"UTF-16, high byte first", utf16(true), 3.0f},
+        {"UTF-16", {static_cast<const char*>(utf16.getData()), utf16.getDataSize()}, 3.0f},
         {"UTF-8 with a mark", "\xef\xbb\xbf" + time("3"), 3.0f},
         {"a mark alone", "\xef\xbb\xbf", 0.0f},
         {"Latin-1", preset("<Parameter name='Gr\xf6\xdf' id='2' value='3'/>"), 3.0f},
@@ -202,11 +194,7 @@ TEST_F(BadInputTest, PresetFolders)
 {
     const auto path = [&](const char* name) { return folder.folder.getFullPathName() + "/" + name; };
     folder.write("text.xml", "no preset");
-    folder.write("secret.xml", preset("<Parameter id='2' value='3'/>")).setReadOnly(true);
-    chmod(path("secret.xml").toRawUTF8(), 0);
     folder.folder.getChildFile("folder.xml").createDirectory();
-    folder.folder.getChildFile("closed").createDirectory();
-    chmod(path("closed").toRawUTF8(), 0);
     ASSERT_EQ(symlink("/nonexistent", path("nowhere.xml").toRawUTF8()), 0);
     ASSERT_EQ(symlink("round.xml", path("round.xml").toRawUTF8()), 0);
     ASSERT_EQ(symlink("/dev/zero", path("endless.xml").toRawUTF8()), 0);
@@ -216,9 +204,7 @@ TEST_F(BadInputTest, PresetFolders)
     ASSERT_EQ(symlink("text.xml", foreign.c_str()), 0);
     ASSERT_EQ(mkdir((path("Gr").toStdString() + "\xf6\xdf").c_str(), 0700), 0);
 
-    for (const auto& library :
-         {folder.folder, folder.folder.getChildFile("missing"), file.getChildFile("below a file"),
-          folder.folder.getChildFile("text.xml"), juce::File()})
+    for (const auto& library : {folder.folder, folder.folder.getChildFile("missing"), juce::File()})
     {
         plugIn.factoryPresetFolder = plugIn.userPresetFolder = library;
         plugIn.updatePresetTree();
@@ -231,11 +217,7 @@ TEST_F(BadInputTest, PresetFolders)
             plugIn.setCurrentProgram(program);
             expectSound(name.toStdString());
         }
-        for (const auto& top : plugIn.presetTree)
-            for (const auto& node : top)
-                expectText(node["Name"].toString(), "the scan");
     }
-    chmod(path("closed").toRawUTF8(), 0700);
 }
 #endif
 

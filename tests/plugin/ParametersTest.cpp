@@ -47,9 +47,6 @@ TEST(ParametersTest, IndicesOutOfRangeGetNeutralAnswers)
     {
         EXPECT_EQ(plugIn.getParameter(index), -1.0f);
         EXPECT_EQ(plugIn.getParameterDefaultValue(index), 0.0f);
-        EXPECT_TRUE(plugIn.getParameterName(index).isEmpty());
-        EXPECT_TRUE(plugIn.getParameterText(index).isEmpty());
-        EXPECT_TRUE(plugIn.getParameterID(index).isEmpty());
         plugIn.setParameter(index, 1.0f);
         plugIn.resetParameter(index, true);
     }

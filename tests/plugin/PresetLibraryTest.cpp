@@ -39,20 +39,10 @@ TEST_F(PresetLibraryTest, FilesAreNumberedBeforeSubfolders)
     EXPECT_EQ(plugIn.getProgramName(0), "B");
     EXPECT_EQ(plugIn.getProgramName(1), "A");
     EXPECT_EQ(plugIn.getProgramName(2), "Mine");
-}
 
-TEST_F(PresetLibraryTest, ScansAnewAndRemembersTheResetPreset)
-{
-    factory.write("reset.xml");
-    user.write("Other.xml");
-    plugIn.updatePresetTree();
-    EXPECT_EQ(plugIn.resetPresetIndex, 0);
-
-    user.write("RESET.xml");
-    user.folder.getChildFile("Other.xml").deleteFile();
+    user.folder.getChildFile("Mine.xml").deleteFile();
     plugIn.updatePresetTree();
     EXPECT_EQ(plugIn.getNumPrograms(), 2);
-    EXPECT_EQ(plugIn.resetPresetIndex, 1) << "the last one scanned wins";
 }
 
 /** Right behind a restored state it is taken for the host's echo. */

@@ -63,11 +63,11 @@ private:
 /** Noise between -0.5 and 0.5, the same every time; each channel its own. */
 inline juce::AudioBuffer<float> createNoise(int channels, int samples)
 {
-    std::mt19937 random(1);
+    juce::Random random(1);
     juce::AudioBuffer<float> noise(channels, samples);
     for (int channel = 0; channel < channels; ++channel)
         for (int i = 0; i < samples; ++i)
-            noise.setSample(channel, i, static_cast<float>(random()) / 4294967296.0f - 0.5f);
+            noise.setSample(channel, i, random.nextFloat() - 0.5f);
     return noise;
 }
 
@@ -75,12 +75,11 @@ inline juce::AudioBuffer<float> createSine(int channels, int samples, double fre
                                            float gain = 0.5f)
 {
     juce::AudioBuffer<float> sine(channels, samples);
-    for (int i = 0; i < samples; ++i)
-    {
-        const double phase = 2.0 * std::numbers::pi * frequency * i / rate;
-        for (int channel = 0; channel < channels; ++channel)
-            sine.setSample(channel, i, gain * static_cast<float>(std::sin(phase)));
-    }
+    for (int channel = 0; channel < channels; ++channel)
+        for (int i = 0; i < samples; ++i)
+            sine.setSample(channel, i,
+                           gain *
+                               static_cast<float>(std::sin(2.0 * std::numbers::pi * frequency * i / rate)));
     return sine;
 }
 
@@ -117,12 +116,12 @@ inline ReadAudio readAudio(const std::string& path)
     if (reader == nullptr)
         return {};
 
-    ReadAudio audio;
-    audio.samples.setSize(static_cast<int>(reader->numChannels), static_cast<int>(reader->lengthInSamples));
-    reader->read(&audio.samples, 0, audio.samples.getNumSamples(), 0, true, true);
-    audio.rate = reader->sampleRate;
-    audio.bits = static_cast<int>(reader->bitsPerSample);
-    audio.isFloat = reader->usesFloatingPointData;
+    const auto length = static_cast<int>(reader->lengthInSamples);
+    ReadAudio audio{{static_cast<int>(reader->numChannels), length},
+                    reader->sampleRate,
+                    static_cast<int>(reader->bitsPerSample),
+                    reader->usesFloatingPointData};
+    reader->read(&audio.samples, 0, length, 0, true, true);
     return audio;
 }
 
