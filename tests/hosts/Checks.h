@@ -55,13 +55,6 @@ private:
     std::uniform_real_distribution<float> distribution{-noiseAmplitude, noiseAmplitude};
 };
 
-inline Block makeSilence(int numSamples, int numChannels = 2)
-{
-    Block block(numChannels, numSamples);
-    block.clear();
-    return block;
-}
-
 /** The highest sample; infinite if one is not finite. */
 inline float getPeak(const Block& block)
 {
@@ -78,8 +71,7 @@ inline float getPeak(const Block& block)
 /** The largest distance of two blocks of the same size. */
 inline float getDifference(const Block& first, const Block& second)
 {
-    Block difference;
-    difference.makeCopyOf(first);
+    Block difference = first;
     for (int channel = 0; channel < first.getNumChannels(); ++channel)
         difference.addFrom(channel, 0, second, channel, 0, first.getNumSamples(), -1.0f);
     return getPeak(difference);

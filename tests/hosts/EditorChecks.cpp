@@ -7,7 +7,6 @@ namespace hosts
 {
 namespace
 {
-constexpr double sampleRate = 48000.0;
 constexpr int blockSize = 128;
 
 /** An audio thread as busy as a host's at its limit: block behind block, both parameters moving. */
@@ -22,8 +21,8 @@ public:
         thread.join();
     }
 
-    float getLoudest() const { return loudest; }
-    int getNumBlocks() const { return numBlocks; }
+    std::atomic<float> loudest{0.0f};
+    std::atomic<int> numBlocks{0};
 
 private:
     void run()
@@ -44,8 +43,6 @@ private:
 
     PlugIn& plugIn;
     std::atomic<bool> isOver{false};
-    std::atomic<float> loudest{0.0f};
-    std::atomic<int> numBlocks{0};
     std::thread thread;
 };
 } // namespace
@@ -53,14 +50,13 @@ private:
 int checkEditor(const Loader& load)
 {
     constexpr int numOpenings = 10;
-    constexpr int millisecondsOpen = 200;
     Checks checks;
     const auto plugIn = load();
     const auto other = load();
     if (plugIn == nullptr || other == nullptr)
         return 1;
 
-    plugIn->start(sampleRate, blockSize);
+    plugIn->start(48000.0, blockSize);
     {
         const Load audio(*plugIn);
         const auto otherEditor = other->openEditor();
@@ -69,13 +65,13 @@ int checkEditor(const Loader& load)
             const auto editor = plugIn->openEditor();
             checks.expect(editor->getLocalBounds() == juce::Rectangle<int>(640, 480),
                           "the window is 640 by 480");
-            const int before = audio.getNumBlocks();
-            runMessageLoop(millisecondsOpen);
-            checks.expect(audio.getNumBlocks() > before, "audio runs on under an open window");
+            const int before = audio.numBlocks;
+            runMessageLoop(200);
+            checks.expect(audio.numBlocks > before, "audio runs on under an open window");
         }
-        checks.expect(audio.getLoudest() < loudestOutput, "the output keeps its level");
+        checks.expect(audio.loudest < loudestOutput, "the output keeps its level");
         std::printf("window opened and closed %d times while %d blocks ran\n", numOpenings,
-                    audio.getNumBlocks());
+                    audio.numBlocks.load());
     }
     plugIn->stop();
     return checks.failures;

@@ -18,17 +18,11 @@ constexpr int usualBlock = 512;
 constexpr int largestBlock = 8192;
 constexpr int varyingBlocks = 0;
 
-/** A program change just behind a restored state is taken for the host's own echo and ignored. */
-void passGuard()
-{
-    constexpr int guardMilliseconds = 200;
-    runMessageLoop(guardMilliseconds + 50);
-}
-
 /** Wrappers hand changes on with the next block, which is no longer than any that a check has announced. */
 void applyChanges(PlugIn& plugIn)
 {
-    auto silence = makeSilence(32);
+    Block silence(2, 32);
+    silence.clear();
     plugIn.process(silence);
     runMessageLoop(1);
 }
@@ -93,8 +87,8 @@ void checkRatesAndBlocks(const Loader& load, Checks& checks)
         {
             const auto stream = playStream(load, input, sampleRate, blockSize);
             checks.expect(getPeak(stream) < loudestOutput, "large blocks keep the level");
-            // In blocks this large the convolution leaves out a part of long responses: see dsp/FirFilter.h.
-            if (blockSize == largestBlock)
+            // Of long responses the convolution leaves out the partition that such a block would end within.
+            if (blockSize == largestBlock && sampleRate > usualRate)
                 continue;
             const auto difference = getDifference(stream, expected);
             checks.expect(difference < tolerance,
@@ -130,15 +124,12 @@ void checkAutomationAndState(PlugIn& plugIn, Checks& checks)
     applyChanges(plugIn);
 
     const auto kept = plugIn.getState();
-    float reverbTime = 0.0f;
-    float wetGain = 0.0f;
-    constexpr std::size_t characterOffset = 20;
-    constexpr std::size_t mixOffset = 28;
+    float reverbTime = 0.0f, wetGain = 0.0f;
     if (checks.expect(kept.size() > 41 && std::memcmp(kept.data(), "KSEV", 4) == 0,
                       "the state is a state block"))
     {
-        std::memcpy(&reverbTime, kept.data() + characterOffset, sizeof(float));
-        std::memcpy(&wetGain, kept.data() + mixOffset, sizeof(float));
+        std::memcpy(&reverbTime, kept.data() + 20, sizeof(float));
+        std::memcpy(&wetGain, kept.data() + 28, sizeof(float));
     }
     checks.expect(std::abs(reverbTime - 8.0f * lastCharacter) < 1e-4f, "the last character stays");
     checks.expect(std::abs(wetGain - 20.0f * std::log10(lastMix)) < 1e-3f, "the last mix stays");
@@ -197,7 +188,8 @@ void checkBrokenInput(PlugIn& plugIn, Checks& checks)
             loudest = std::max(loudest, getPeak(play(plugIn, noise.make(usualBlock))));
         const auto name = std::to_string(bad);
         checks.expect(loudest < loudestOutput, "a sound level in and behind the block of " + name);
-        const float tail = getPeak(play(plugIn, makeSilence(usualBlock)));
+        block.clear();
+        const float tail = getPeak(play(plugIn, block));
         checks.expect(tail > 0.01f * noiseAmplitude && tail < loudestOutput,
                       "the reverb rings on behind the block of " + name);
     }
@@ -284,7 +276,9 @@ int checkAcrossFormats(const std::vector<Loader>& loaders)
                       "all formats open on the same state");
     }
 
-    passGuard();
+    // A program change just behind a restored state is taken for the host's own echo and ignored.
+    constexpr int guardMilliseconds = 250;
+    runMessageLoop(guardMilliseconds);
     auto& first = *plugIns.front();
     std::set<State> states;
     for (int i = 0; i < first.getNumPrograms(); ++i)
@@ -303,7 +297,7 @@ int checkAcrossFormats(const std::vector<Loader>& loaders)
         for (const auto& to : plugIns)
         {
             character += 0.07f;
-            passGuard();
+            runMessageLoop(guardMilliseconds);
             selectProgram(*from, "Cathedral", checks);
             from->setParameter(0, character);
             applyChanges(*from);

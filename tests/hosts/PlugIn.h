@@ -31,20 +31,16 @@ public:
 
     virtual void start(double sampleRate, int maximumBlockSize, bool isOffline = false) = 0;
     virtual void stop() = 0;
-
-    /** One block in place, of up to the maximum length that start was told. */
-    virtual void process(Block&) = 0;
+    virtual void process(Block&) = 0; ///< in place
 
     /** @param index  0 is ReverbCharacter, 1 is ReverbMix
         @param value  0 to 1 */
     virtual void setParameter(int index, float value) = 0;
-
     virtual void setBypassed(bool) = 0;
 
     virtual int getNumPrograms() = 0;
     virtual std::string getProgramName(int index) = 0;
     virtual void setProgram(int index) = 0;
-
     virtual State getState() = 0;
     virtual void setState(const State&) = 0;
 
@@ -55,8 +51,7 @@ public:
 /** Makes a new instance; empty, with a message on the standard error stream, if there is nothing to load. */
 using Loader = std::function<std::unique_ptr<PlugIn>()>;
 
-/** A VST3 or LV2 in JUCE's own hosting. Looks through the folder at once, as a host's scan does; each call of the result
-    loads an instance of what was found there under the product's name.
+/** A VST3 or LV2 in JUCE's own hosting, found by one scan of the folder under the product's name.
 
     @param format  "VST3" or "LV2" */
 Loader makeJuceLoader(const std::string& format, const std::string& folder);
@@ -64,8 +59,8 @@ Loader makeJuceLoader(const std::string& format, const std::string& folder);
 /** A VST2 in a small host over the FST headers. */
 Loader makeVst2Loader(const std::string& file);
 
-/** What every format is held to: a host's usual life with a plug-in, at every rate and block length that is met in practice,
-    and what goes wrong in hosts at times.
+/** A host's usual life with a plug-in, at every rate and block length that is met in practice, and what goes wrong in
+    hosts at times.
 
     @param numPresets  how many preset files were installed
     @return failures */

@@ -1,6 +1,5 @@
 #include "tests/hosts/PlugIn.h"
 
-#include <dlfcn.h>
 #include <pluginterfaces/fst/aeffect.h>
 #include <pluginterfaces/fst/aeffectx.h>
 
@@ -67,32 +66,27 @@ private:
 class Vst2PlugIn : public PlugIn
 {
 public:
-    Vst2PlugIn(void* libraryToClose, AEffect& effectToUse) : library(libraryToClose), effect(effectToUse)
+    Vst2PlugIn(std::unique_ptr<juce::DynamicLibrary> libraryToUse, AEffect& effectToUse)
+        : library(std::move(libraryToUse)), effect(effectToUse)
     {
         dispatch(effect, effOpen);
     }
 
-    ~Vst2PlugIn() override
-    {
-        dispatch(effect, effClose);
-        dlclose(library);
-    }
+    ~Vst2PlugIn() override { dispatch(effect, effClose); }
 
     void checkIdentity(Checks& checks) override
     {
         checks.expect(effect.magic == 0x56737450, "it is a VST2");
-        checks.expect(effect.uniqueID == CCONST('A', 'M', 'B', 'R'), "its id is AMBR");
-        checks.expect(effect.version == 103, "its version is 103");
-        checks.expect(getText(effGetVendorString) == "Veskora", "its maker is Veskora");
-        checks.expect(getText(effGetEffectName) == "Ambrel", "its name is Ambrel");
-        checks.expect(getText(effGetParamName, 0).rfind("Reverb", 0) == 0, "its parameters have names");
-        checks.expect(effect.numParams == 2, "it has two parameters");
+        checks.expect(effect.uniqueID == CCONST('A', 'M', 'B', 'R') && effect.version == 103,
+                      "projects find it by its id and version");
+        checks.expect(getText(effGetVendorString) + " " + getText(effGetEffectName) == "Veskora Ambrel",
+                      "its maker and name");
+        checks.expect(effect.numParams == 2 && getText(effGetParamName, 0).rfind("Reverb", 0) == 0,
+                      "it has two parameters, with names");
         checks.expect(effect.numInputs == 2 && effect.numOutputs == 2, "it is stereo");
-        checks.expect((effect.flags & effFlagsProgramChunks) != 0, "programs are chunks");
-        checks.expect((effect.flags & effFlagsCanReplacing) != 0, "it processes replacing");
-        checks.expect((effect.flags & effFlagsHasEditor) != 0, "it has an editor");
-        checks.expect((effect.flags & effFlagsIsSynth) == 0, "it is no synth");
-        checks.expect((effect.flags & effFlagsCanDoubleReplacing) == 0, "it does not process in double");
+        constexpr int expected = effFlagsProgramChunks | effFlagsCanReplacing | effFlagsHasEditor;
+        constexpr int others = effFlagsIsSynth | effFlagsCanDoubleReplacing;
+        checks.expect((effect.flags & (expected | others)) == expected, "it says what it can do");
         const auto program = static_cast<int>(dispatch(effect, effGetProgram));
         checks.expect(getProgramName(program) == "Default hall", "it opens on Default hall");
     }
@@ -146,34 +140,24 @@ private:
         return text;
     }
 
-    void* library;
+    const std::unique_ptr<juce::DynamicLibrary> library;
     AEffect& effect;
 };
-std::unique_ptr<PlugIn> load(const std::string& file)
-{
-    void* library = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (library == nullptr)
-    {
-        std::fprintf(stderr, "%s\n", dlerror());
-        return nullptr;
-    }
-
-    using Entry = AEffect* (*)(audioMasterCallback);
-    const auto entry = reinterpret_cast<Entry>(dlsym(library, "VSTPluginMain"));
-    auto* effect = entry != nullptr ? entry(&answerPlugIn) : nullptr;
-    if (effect == nullptr)
-    {
-        std::fprintf(stderr, "No plug-in comes out of VSTPluginMain\n");
-        dlclose(library);
-        return nullptr;
-    }
-    return std::make_unique<Vst2PlugIn>(library, *effect);
-}
 } // namespace
 
 Loader makeVst2Loader(const std::string& file)
 {
-    return [=] { return load(file); };
+    return [=]() -> std::unique_ptr<PlugIn>
+    {
+        using Entry = AEffect* (*)(audioMasterCallback);
+        auto library = std::make_unique<juce::DynamicLibrary>(file);
+        const auto entry = reinterpret_cast<Entry>(library->getFunction("VSTPluginMain"));
+        auto* effect = entry != nullptr ? entry(&answerPlugIn) : nullptr;
+        if (effect != nullptr)
+            return std::make_unique<Vst2PlugIn>(std::move(library), *effect);
+        std::fprintf(stderr, "No plug-in comes out of %s\n", file.c_str());
+        return nullptr;
+    };
 }
 
 } // namespace hosts

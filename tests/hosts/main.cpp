@@ -14,10 +14,8 @@ namespace
 /** Empty for a format that this host does not know. */
 hosts::Loader makeLoader(const std::string& format, const std::string& libraries)
 {
-    if (format == "VST3")
-        return hosts::makeJuceLoader(format, libraries + "/vst3");
-    if (format == "LV2")
-        return hosts::makeJuceLoader(format, libraries + "/lv2");
+    if (format == "VST3" || format == "LV2")
+        return hosts::makeJuceLoader(format, libraries + (format == "LV2" ? "/lv2" : "/vst3"));
 #if AMBREL_HOST_HAS_VST2
     if (format == "VST2")
         return hosts::makeVst2Loader(libraries + "/vst/Ambrel/Ambrel.so");
@@ -62,11 +60,8 @@ int run(const juce::File& prefix, const std::string& what, bool isWindowOnly)
 int main(int argc, char** argv)
 {
     const std::vector<std::string> arguments(argv + 1, argv + argc);
-    if (arguments.size() < 2 || arguments.size() > 3)
-    {
-        std::fprintf(stderr, "Usage: %s PREFIX VST3|LV2|VST2|across [window]\n", argv[0]);
+    if (arguments.size() < 2)
         return EXIT_FAILURE;
-    }
     std::setvbuf(stdout, nullptr, _IOLBF, 0);
     // By this JUCE knows a program of its own and takes X's errors calmly.
     juce::JUCEApplicationBase::createInstance = []() -> juce::JUCEApplicationBase* { return nullptr; };
