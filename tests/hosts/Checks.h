@@ -71,7 +71,8 @@ inline float getPeak(const Block& block)
 /** The largest distance of two blocks of the same size. */
 inline float getDifference(const Block& first, const Block& second)
 {
-    Block difference = first;
+    Block difference;
+    difference.makeCopyOf(first);
     for (int channel = 0; channel < first.getNumChannels(); ++channel)
         difference.addFrom(channel, 0, second, channel, 0, first.getNumSamples(), -1.0f);
     return getPeak(difference);
