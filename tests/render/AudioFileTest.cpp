@@ -63,13 +63,11 @@ TEST(AudioFileReader, readsEveryFormatInBlocksAndThenSilence)
         EXPECT_EQ(file.getSampleRate(), 44100.0);
         ASSERT_EQ(file.getNumSamples(), length);
 
-        juce::AudioBuffer<float> block(row.channels, blockSize);
         juce::AudioBuffer<float> whole(row.channels, 15 * blockSize);
         for (int start = 0; start < whole.getNumSamples(); start += blockSize)
         {
+            juce::AudioBuffer<float> block(whole.getArrayOfWritePointers(), row.channels, start, blockSize);
             file.read(block);
-            for (int channel = 0; channel < row.channels; ++channel)
-                whole.copyFrom(channel, start, block, channel, 0, blockSize);
         }
         EXPECT_LE(largestDifference(sine, whole, length), row.tolerance);
         EXPECT_EQ(whole.getMagnitude(length, whole.getNumSamples() - length), 0.0f);

@@ -73,9 +73,7 @@ TEST(OctaveFilter, passesItsOctaveAndNothingElse)
     const Row rows[] = {{1.0, -0.05, 0.05},
                         {std::numbers::sqrt2, -3.4, -2.6},
                         {1.0 / std::numbers::sqrt2, -3.4, -2.6},
-                        {1.15, -0.5, 0.05},
                         {2.0, -60.0, -18.0},
-                        {0.5, -60.0, -18.0},
                         {0.25, -120.0, -38.0}};
     for (const double centre : {63.0, 1000.0, 8000.0})
         for (const Row& row : rows)

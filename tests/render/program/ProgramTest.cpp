@@ -267,14 +267,17 @@ TEST_F(Program, roomsAreWhatTheirSettingsSay)
         double leastCorrelation;
         double mostCorrelation;
     };
-    const std::vector<std::string> small{"roomSize=0", "reverbTime=0.5", "modulationDepth=0"};
-    const std::vector<std::string> large{"roomSize=100", "reverbTime=8", "lowTimeScale=150",
-                                         "modulationDepth=100"};
-    const std::vector<std::string> narrow{"stereoSpread=0", "preDelay=500", "reverbTime=1"};
-    const Row rows[] = {{"Default hall", {}, 2.4, 5.0, 0.1, 0.0, 0.1},
-                        {"Reset", small, 0.5, 1.5, 0.06, 0.0, 0.2},
-                        {"Reset", large, 8.0, 12.0, 0.1, 0.0, 0.2},
-                        {"Reset", narrow, 1.0, 3.0, 0.6, 0.999, 1.0}};
+    const Row rows[] = {
+        {"Default hall", {}, 2.4, 5.0, 0.1, 0.0, 0.1},
+        {"Reset", {"roomSize=0", "reverbTime=0.5", "modulationDepth=0"}, 0.5, 1.5, 0.06, 0.0, 0.2},
+        {"Reset",
+         {"roomSize=100", "reverbTime=8", "lowTimeScale=150", "modulationDepth=100"},
+         8.0,
+         12.0,
+         0.1,
+         0.0,
+         0.2},
+        {"Reset", {"stereoSpread=0", "preDelay=500", "reverbTime=1"}, 1.0, 3.0, 0.6, 0.999, 1.0}};
     for (const Row& row : rows)
     {
         std::vector<std::string> arguments{"-p", row.preset, "-i", std::to_string(row.duration)};
@@ -283,26 +286,18 @@ TEST_F(Program, roomsAreWhatTheirSettingsSay)
         const juce::var report = reportOf(arguments);
 
         const auto number = [](const juce::var& value)
-        { return value.isDouble() || value.isInt() ? static_cast<double>(value) : NAN; };
+        { return value.isVoid() ? NAN : static_cast<double>(value); };
         EXPECT_NEAR(number(report["octaves"][4]["t30"]), row.time, 0.1 * row.time);
         EXPECT_LT(number(report["mixingTime"]), row.latestMixing);
         EXPECT_GE(number(report["correlation"]["late"]), row.leastCorrelation);
         EXPECT_LE(number(report["correlation"]["late"]), row.mostCorrelation);
 
-        const auto sum = [&](const juce::var& values, int from, int to)
-        {
-            double total = 0.0;
-            for (int i = from; i < to; ++i)
-                total += number(values[i]);
-            return total;
-        };
         const juce::var balance = report["balance"]["values"];
         EXPECT_GT(balance.size(), 0);
-        EXPECT_NEAR(sum(balance, 0, balance.size()), 0.0, 0.5 * balance.size());
-
-        // While the late tail is loud, single windows scatter about 1.
-        const auto late = static_cast<int>((row.latestMixing + 0.1) / 0.001);
-        EXPECT_NEAR(sum(report["echoDensity"]["values"], late, late + 100), 100.0, 5.0);
+        double sum = 0.0;
+        for (int i = 0; i < balance.size(); ++i)
+            sum += number(balance[i]);
+        EXPECT_NEAR(sum, 0.0, 0.5 * balance.size());
     }
 }
 
