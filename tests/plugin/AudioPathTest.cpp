@@ -43,6 +43,7 @@ TEST_F(AudioPathTest, PassesEachChannelThroughTheEngine)
     EXPECT_FALSE(engine.lastBypassed);
     EXPECT_EQ(engine.inputFormat, vesk::audio::AudioFormat(2, rate));
     EXPECT_EQ(engine.outputFormat, vesk::audio::AudioFormat(2, rate));
+    EXPECT_EQ(engine.resets, 1) << "nothing of an earlier run sounds on";
 
     run(makeBlock(0));
     EXPECT_EQ(engine.blocks, 1) << "empty blocks do not reach the engine";

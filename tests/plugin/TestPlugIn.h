@@ -19,7 +19,6 @@ class FakeEngine : public vesk::audio::BaseAudioProcessor
 public:
     bool setFormat(const vesk::audio::AudioFormat& input, const vesk::audio::AudioFormat& output) override
     {
-        ++formatsSet;
         vesk::audio::BaseAudioProcessor::setFormat(input, output);
         return acceptsFormat;
     }
@@ -68,7 +67,6 @@ public:
     bool acceptsFormat = true;
     bool pending = false; ///< parameters were set and not effectuated
     bool lastBypassed = false;
-    int formatsSet = 0;
     int resets = 0;
     int blocks = 0;
     int effectuations = 0;

@@ -11,6 +11,7 @@
 #include <juce_graphics/juce_graphics.h>
 
 #include <numeric>
+#include <random>
 
 namespace ambrel::measures
 {

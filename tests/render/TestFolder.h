@@ -13,7 +13,6 @@
 #include <iterator>
 #include <memory>
 #include <numbers>
-#include <random>
 #include <string>
 #include <vector>
 
