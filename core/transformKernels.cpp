@@ -44,6 +44,18 @@ std::size_t chooseLanes(std::size_t length, std::size_t available)
     return lanes;
 }
 
+/** Calls visit(size, radix) for each pass over rows that has factors. */
+template <typename Visit>
+void forEachPass(std::size_t rows, Visit visit)
+{
+    for (auto size = rows; size > kernels::choosePassRadix(size);)
+    {
+        const auto radix = kernels::choosePassRadix(size);
+        visit(size, radix);
+        size /= radix;
+    }
+}
+
 /** Floats in each of the tables, each rounded up to whole cache lines. */
 struct TableSizes
 {
@@ -60,8 +72,8 @@ struct TableSizes
             return;
         }
         const auto rows = length / lanes;
-        for (auto size = rows; size > 4; size /= 4)
-            pass += 6 * (size / 4);
+        forEachPass(rows, [this](std::size_t size, std::size_t radix)
+                    { pass += 2 * (radix - 1) * (size / radix); });
         pass = roundUp(pass);
         join = roundUp(2 * rows * (lanes - 1));
         if (isReal)
@@ -87,13 +99,13 @@ void writeUnitVector(std::size_t numerator, std::size_t denominator, float& cosi
 
 void fillPassTwiddles(std::size_t rows, float* twiddles)
 {
-    for (auto size = rows; size > 4; size /= 4)
-        for (std::size_t p = 0; p < size / 4; ++p)
-            for (std::size_t power = 1; power <= 3; ++power)
-            {
-                writeUnitVector(p * power, size, twiddles[0], twiddles[1]);
-                twiddles += 2;
-            }
+    forEachPass(rows,
+                [&twiddles](std::size_t size, std::size_t radix)
+                {
+                    for (std::size_t p = 0; p < size / radix; ++p)
+                        for (std::size_t power = 1; power < radix; ++power, twiddles += 2)
+                            writeUnitVector(p * power, size, twiddles[0], twiddles[1]);
+                });
 }
 
 void fillJoinTwiddles(const FftTables& tables, float* twiddles)

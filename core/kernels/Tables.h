@@ -6,6 +6,7 @@
 #include "core/kernels/KernelTable.h"
 
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 
@@ -43,6 +44,10 @@ T* alignToCacheLine(void* memory)
 //==============================================================================
 // Transform
 
+/** The radix of a pass over size points, a power of two of at least 4: eights as far as they go, after the fours
+    without which a two would be left. */
+constexpr std::size_t choosePassRadix(std::size_t size) { return std::countr_zero(size) % 3 == 0 ? 8 : 4; }
+
 /** Tables for a complex transform of length points and the step from it to a real one of twice that length.
 
     A length of at least lanes^2 is split into rows = length / lanes points for each lane: every lane
@@ -54,8 +59,8 @@ struct FftTables
     std::size_t lanes;  ///< 0: direct computation
     std::size_t rows;   ///< length / lanes
 
-    /** For each radix-4 pass, in order, for each butterfly p: cos and sin (of the negative angle) of w, w^2
-        and w^3. Passes with a single butterfly have no entry, their factors are 1. */
+    /** For each pass, in order, for each butterfly p: cos and sin (of the negative angle) of w to the powers from 1 to
+        the radix less one. The last pass has no entry, its factors are 1. */
     const float* passTwiddles;
 
     /** For each block of lanes rows, for each lane w from 1: lanes values of cos, then of sin, of

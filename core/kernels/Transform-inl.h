@@ -2,9 +2,8 @@
 //
 // A transform of M points on vectors of W lanes goes in three steps:
 //
-//   1. Lane w transforms the M/W points whose index is w modulo W, by a self-sorting radix-4 scheme
-//   (Stockham).
-//      All lanes do the same with the same factors, so there is nothing to shuffle.
+//   1. Lane w transforms the M/W points whose index is w modulo W, by a self-sorting scheme
+//      (Stockham) of radix 8 and 4. All lanes do the same with the same factors, so there is nothing to shuffle.
 //   2. Blocks of W rows are transposed and multiplied by exp(-2 pi j w k / M).
 //   3. A transform of W points across what were the lanes, again vertical, gives rows k, k + M/W, ...
 //
@@ -151,9 +150,9 @@ struct ExchangedInterleavedResult
 };
 
 //==============================================================================
-// Step 1: Stockham passes over rows, decimation in frequency
+// Transforms of a few points, in registers
 
-/** One butterfly of four points stride * quarter apart. The results still want their factors. */
+/** Of four points, in natural order. */
 template <class V>
 HWY_INLINE void butterfly4(ComplexVector<V>& a, ComplexVector<V>& b, ComplexVector<V>& c, ComplexVector<V>& d)
 {
@@ -165,152 +164,6 @@ HWY_INLINE void butterfly4(ComplexVector<V>& a, ComplexVector<V>& b, ComplexVect
     b = differenceAC + differenceBD;
     c = sumAC - sumBD;
     d = differenceAC - differenceBD;
-}
-
-template <class D, class Source>
-HWY_INLINE void radix4Pass(D d, const Source& source, PairedPoints<D> target, std::size_t size,
-                           std::size_t stride, const float* twiddles)
-{
-    const std::size_t quarter = size / 4;
-    for (std::size_t p = 0; p < quarter; ++p)
-    {
-        const auto w1 = broadcast(d, twiddles + 6 * p);
-        const auto w2 = broadcast(d, twiddles + 6 * p + 2);
-        const auto w3 = broadcast(d, twiddles + 6 * p + 4);
-        for (std::size_t q = 0; q < stride; ++q)
-        {
-            auto a = source.load(q + stride * p);
-            auto b = source.load(q + stride * (p + quarter));
-            auto c = source.load(q + stride * (p + 2 * quarter));
-            auto e = source.load(q + stride * (p + 3 * quarter));
-            butterfly4(a, b, c, e);
-            target.store(q + stride * (4 * p), a);
-            target.store(q + stride * (4 * p + 1), b * w1);
-            target.store(q + stride * (4 * p + 2), c * w2);
-            target.store(q + stride * (4 * p + 3), e * w3);
-        }
-    }
-}
-
-/** The last pass of a length 4^n: a single butterfly, all factors 1. */
-template <class D, class Source>
-HWY_INLINE void lastRadix4Pass(D, const Source& source, PairedPoints<D> target, std::size_t stride)
-{
-    for (std::size_t q = 0; q < stride; ++q)
-    {
-        auto a = source.load(q);
-        auto b = source.load(q + stride);
-        auto c = source.load(q + 2 * stride);
-        auto e = source.load(q + 3 * stride);
-        butterfly4(a, b, c, e);
-        target.store(q, a);
-        target.store(q + stride, b);
-        target.store(q + 2 * stride, c);
-        target.store(q + 3 * stride, e);
-    }
-}
-
-template <class D, class Source>
-HWY_INLINE void lastRadix2Pass(D, const Source& source, PairedPoints<D> target, std::size_t stride)
-{
-    for (std::size_t q = 0; q < stride; ++q)
-    {
-        const auto a = source.load(q);
-        const auto b = source.load(q + stride);
-        target.store(q, a + b);
-        target.store(q + stride, a - b);
-    }
-}
-
-template <class D, class Source>
-HWY_INLINE void runPass(D d, const Source& source, PairedPoints<D> target, std::size_t size,
-                        std::size_t stride, const float* twiddles)
-{
-    if (size > 4)
-        radix4Pass(d, source, target, size, stride, twiddles);
-    else if (size == 4)
-        lastRadix4Pass(d, source, target, stride);
-    else
-        lastRadix2Pass(d, source, target, stride);
-}
-
-/** All passes; returns which of the two scratch areas holds the rows in natural order. */
-template <class D, class Source>
-HWY_INLINE PairedPoints<D> transformRows(D d, const Source& source, const FftTables& tables, float* first,
-                                         float* second)
-{
-    const float* twiddles = tables.passTwiddles;
-    std::size_t size = tables.rows;
-    std::size_t stride = 1;
-    PairedPoints<D> target{first};
-    PairedPoints<D> other{second};
-
-    runPass(d, source, target, size, stride, twiddles);
-    while (size > 4)
-    {
-        twiddles += 6 * (size / 4);
-        size /= 4;
-        stride *= 4;
-        if (size == 1)
-            break;
-        runPass(d, target, other, size, stride, twiddles);
-        std::swap(target, other);
-    }
-    return target;
-}
-
-//==============================================================================
-// Steps 2 and 3: joining the lanes
-
-/** Transposes 4 rows within each 128-bit block. */
-template <class D, class V>
-HWY_INLINE void transposeWithinBlocks(D d, V& r0, V& r1, V& r2, V& r3)
-{
-    const hn::Repartition<std::uint64_t, D> pairs;
-    const auto low01 = hn::BitCast(pairs, hn::InterleaveLower(d, r0, r1));
-    const auto high01 = hn::BitCast(pairs, hn::InterleaveUpper(d, r0, r1));
-    const auto low23 = hn::BitCast(pairs, hn::InterleaveLower(d, r2, r3));
-    const auto high23 = hn::BitCast(pairs, hn::InterleaveUpper(d, r2, r3));
-    r0 = hn::BitCast(d, hn::InterleaveLower(pairs, low01, low23));
-    r1 = hn::BitCast(d, hn::InterleaveUpper(pairs, low01, low23));
-    r2 = hn::BitCast(d, hn::InterleaveLower(pairs, high01, high23));
-    r3 = hn::BitCast(d, hn::InterleaveUpper(pairs, high01, high23));
-}
-
-template <std::size_t lanes, class D, class V>
-HWY_INLINE void transpose(D d, V* rows)
-{
-    for (std::size_t group = 0; group < lanes; group += 4)
-        transposeWithinBlocks(d, rows[group], rows[group + 1], rows[group + 2], rows[group + 3]);
-
-    if constexpr (lanes == 8)
-    {
-        for (std::size_t i = 0; i < 4; ++i)
-        {
-            const V low = rows[i];
-            const V high = rows[i + 4];
-            rows[i] = hn::ConcatLowerLower(d, high, low);
-            rows[i + 4] = hn::ConcatUpperUpper(d, high, low);
-        }
-    }
-    if constexpr (lanes == 16)
-    {
-        for (std::size_t i = 0; i < 4; ++i)
-        {
-            const V a = rows[i];
-            const V b = rows[i + 4];
-            const V c = rows[i + 8];
-            const V e = rows[i + 12];
-            const V lowAC = hn::ConcatLowerLower(d, c, a);
-            const V lowBD = hn::ConcatLowerLower(d, e, b);
-            const V highAC = hn::ConcatUpperUpper(d, c, a);
-            const V highBD = hn::ConcatUpperUpper(d, e, b);
-            rows[i] = hn::OddEvenBlocks(hn::SwapAdjacentBlocks(lowBD), lowAC);
-            rows[i + 4] = hn::OddEvenBlocks(lowBD, hn::SwapAdjacentBlocks(lowAC));
-            rows[i + 8] = hn::OddEvenBlocks(hn::SwapAdjacentBlocks(highBD), highAC);
-            rows[i + 12] = hn::OddEvenBlocks(highBD, hn::SwapAdjacentBlocks(highAC));
-        }
-    }
 }
 
 /** cos and sin of -2 pi k / 16 */
@@ -389,6 +242,140 @@ HWY_INLINE void transformAcross(D d, C* x)
         for (std::size_t i = 0; i < 4; ++i)
             for (std::size_t k = i + 1; k < 4; ++k)
                 std::swap(x[4 * i + k], x[4 * k + i]);
+    }
+}
+
+//==============================================================================
+// Step 1: Stockham passes over rows, decimation in frequency
+
+/** Butterflies of radix points that lie stride * (size / radix) apart, times the factors of the next passes. */
+template <std::size_t radix, class D, class Source>
+HWY_INLINE void radixPass(D d, const Source& source, PairedPoints<D> target, std::size_t size,
+                          std::size_t stride, const float* twiddles)
+{
+    using C = ComplexVector<hn::VFromD<D>>;
+    const std::size_t part = size / radix;
+    for (std::size_t p = 0; p < part; ++p)
+    {
+        C factors[radix];
+        for (std::size_t k = 1; k < radix; ++k, twiddles += 2)
+            factors[k] = broadcast(d, twiddles);
+        for (std::size_t q = 0; q < stride; ++q)
+        {
+            C points[radix];
+            for (std::size_t k = 0; k < radix; ++k)
+                points[k] = source.load(q + stride * (p + k * part));
+            transformAcross<radix>(d, points);
+            target.store(q + stride * radix * p, points[0]);
+            for (std::size_t k = 1; k < radix; ++k)
+                target.store(q + stride * (radix * p + k), points[k] * factors[k]);
+        }
+    }
+}
+
+/** The last pass: a single butterfly for each column, all factors 1. */
+template <std::size_t radix, class D, class Source>
+HWY_INLINE void lastPass(D d, const Source& source, PairedPoints<D> target, std::size_t stride)
+{
+    for (std::size_t q = 0; q < stride; ++q)
+    {
+        ComplexVector<hn::VFromD<D>> points[radix];
+        for (std::size_t k = 0; k < radix; ++k)
+            points[k] = source.load(q + stride * k);
+        transformAcross<radix>(d, points);
+        for (std::size_t k = 0; k < radix; ++k)
+            target.store(q + stride * k, points[k]);
+    }
+}
+
+template <class D, class Source>
+HWY_INLINE void runPass(D d, const Source& source, PairedPoints<D> target, std::size_t size,
+                        std::size_t stride, const float* twiddles)
+{
+    if (size == 4)
+        lastPass<4>(d, source, target, stride);
+    else if (size == 8)
+        lastPass<8>(d, source, target, stride);
+    else if (choosePassRadix(size) == 4)
+        radixPass<4>(d, source, target, size, stride, twiddles);
+    else
+        radixPass<8>(d, source, target, size, stride, twiddles);
+}
+
+/** All passes; returns which of the two scratch areas holds the rows in natural order. */
+template <class D, class Source>
+HWY_INLINE PairedPoints<D> transformRows(D d, const Source& source, const FftTables& tables, float* first,
+                                         float* second)
+{
+    const float* twiddles = tables.passTwiddles;
+    std::size_t size = tables.rows;
+    std::size_t stride = 1;
+    PairedPoints<D> target{first};
+    PairedPoints<D> other{second};
+
+    runPass(d, source, target, size, stride, twiddles);
+    for (auto radix = choosePassRadix(size); radix < size; radix = choosePassRadix(size))
+    {
+        twiddles += 2 * (radix - 1) * (size / radix);
+        size /= radix;
+        stride *= radix;
+        runPass(d, target, other, size, stride, twiddles);
+        std::swap(target, other);
+    }
+    return target;
+}
+
+//==============================================================================
+// Steps 2 and 3: joining the lanes
+
+/** Transposes 4 rows within each 128-bit block. */
+template <class D, class V>
+HWY_INLINE void transposeWithinBlocks(D d, V& r0, V& r1, V& r2, V& r3)
+{
+    const hn::Repartition<std::uint64_t, D> pairs;
+    const auto low01 = hn::BitCast(pairs, hn::InterleaveLower(d, r0, r1));
+    const auto high01 = hn::BitCast(pairs, hn::InterleaveUpper(d, r0, r1));
+    const auto low23 = hn::BitCast(pairs, hn::InterleaveLower(d, r2, r3));
+    const auto high23 = hn::BitCast(pairs, hn::InterleaveUpper(d, r2, r3));
+    r0 = hn::BitCast(d, hn::InterleaveLower(pairs, low01, low23));
+    r1 = hn::BitCast(d, hn::InterleaveUpper(pairs, low01, low23));
+    r2 = hn::BitCast(d, hn::InterleaveLower(pairs, high01, high23));
+    r3 = hn::BitCast(d, hn::InterleaveUpper(pairs, high01, high23));
+}
+
+template <std::size_t lanes, class D, class V>
+HWY_INLINE void transpose(D d, V* rows)
+{
+    for (std::size_t group = 0; group < lanes; group += 4)
+        transposeWithinBlocks(d, rows[group], rows[group + 1], rows[group + 2], rows[group + 3]);
+
+    if constexpr (lanes == 8)
+    {
+        for (std::size_t i = 0; i < 4; ++i)
+        {
+            const V low = rows[i];
+            const V high = rows[i + 4];
+            rows[i] = hn::ConcatLowerLower(d, high, low);
+            rows[i + 4] = hn::ConcatUpperUpper(d, high, low);
+        }
+    }
+    if constexpr (lanes == 16)
+    {
+        for (std::size_t i = 0; i < 4; ++i)
+        {
+            const V a = rows[i];
+            const V b = rows[i + 4];
+            const V c = rows[i + 8];
+            const V e = rows[i + 12];
+            const V lowAC = hn::ConcatLowerLower(d, c, a);
+            const V lowBD = hn::ConcatLowerLower(d, e, b);
+            const V highAC = hn::ConcatUpperUpper(d, c, a);
+            const V highBD = hn::ConcatUpperUpper(d, e, b);
+            rows[i] = hn::OddEvenBlocks(hn::SwapAdjacentBlocks(lowBD), lowAC);
+            rows[i + 4] = hn::OddEvenBlocks(lowBD, hn::SwapAdjacentBlocks(lowAC));
+            rows[i + 8] = hn::OddEvenBlocks(hn::SwapAdjacentBlocks(highBD), highAC);
+            rows[i + 12] = hn::OddEvenBlocks(highBD, hn::SwapAdjacentBlocks(highAC));
+        }
     }
 }
 
