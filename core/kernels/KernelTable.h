@@ -2,8 +2,8 @@
     What one instruction set brings: a table of the vector routines behind core/kernels.h.
 
     The routines stand in the *-inl.h files beside this one. VectorKernels.cpp compiles them once for each
-    instruction set and fills one table each; ippInit chooses the table that kernels.cpp calls through. The
-    routines trust their arguments: checks are made at the public face.
+    instruction set and fills one table each; ippInit chooses the table that the public face calls through. The
+    routines trust their arguments: checks are made at that face.
 
     To add a routine: declare it here, write it in an -inl.h file, name it in VectorKernels.cpp.
 */
