@@ -5,8 +5,8 @@
     The response is cut into a head of 128 taps, computed in direct form, and partitions of growing size
     (128, 256, 512, ...), each an overlap-save convolver whose results wait in a queue until they are due
     (W. G. Gardner, "Efficient convolution without input-output delay", 1995). When the block length is a
-    power of two of at least 128, one FFT partition as long as the block takes the place of the head and of the
-    partitions that lie inside it; with 32 or 64, short partitions take the place of the head alone.
+    power of two of at least 32, an FFT partition as long as the block takes the place of the head, and of the
+    partitions that lie inside it.
 
         FirFilter filter;
         filter.setImpulseResponse(response);       // channels by taps
@@ -18,11 +18,12 @@
 
     Load distribution inserts half-size partitions, so that large frames do not all fall on the same block.
 
-    Under an FFT head of up to 1024 most partitions of this schedule are played by others, for less: a partition can
-    hold many equal slices, all of them over the same spectra of the input, with a single transform back. The head
-    plays the first ones so, and a tail the long ones. The tail's results are due a frame later than its input is
-    complete, so it works in small steps, in blocks that have little else to do, and no block pays for a large
-    transform.
+    Most partitions of this schedule are played by others, for less: a partition can hold many equal slices, all of
+    them over the same spectra of the input, with a single transform back. An FFT head plays the first partitions so,
+    and a tail the long ones (F. Wefers, "Partitioned convolution algorithms for real-time auralization", 2015). The
+    tail's results are due a frame later than its input is complete, so it works in small steps, in blocks that have
+    little else to do, and no block pays for a large transform. Under a head longer than the tail's slices the
+    schedule itself plays.
 
     Cost: a few short transforms, and a complex product of spectra for each slice. Thread: one at a time.
 */
@@ -106,8 +107,7 @@ public:
     std::vector<std::unique_ptr<Partition>> partitions; ///< in schedule order
     std::shared_ptr<Partition> blockPartition;          ///< the FFT head, or empty
     std::shared_ptr<Partition> shortHead;               ///< the head for short blocks, or empty
-    std::unique_ptr<Partition> tail;                    ///< plays the partitions from tailStart on, or empty
-    std::size_t tailStart = 0;
+    std::unique_ptr<Partition> tail;                    ///< or empty
     int numChannels = 0;
     int numImpulseResponses = 0;
     int blockSize = -1;          ///< block length last seen
@@ -119,7 +119,7 @@ public:
     std::vector<int> partitionSizes;
 
 private:
-    static constexpr int noTail = std::numeric_limits<int>::max();
+    static constexpr int noTail = std::numeric_limits<int>::max(); ///< as an offset
 
     void updatePartitionSizes();
     void updatePartitions();
