@@ -5,6 +5,10 @@
 #include <optional>
 #include <utility>
 
+#if !(JUCE_MAC || JUCE_WINDOWS)
+#include <dlfcn.h>
+#endif
+
 namespace
 {
 bool isEastAsian(juce::juce_wchar character)
@@ -41,13 +45,14 @@ struct FontFile
 };
 
 /** fontconfig, as far as it takes to find a font for a language. It is loaded at run time: a plug-in must not fail to
-    load where it is missing. The configuration is one of our own, so the host's use of the library is left alone. */
+    load where it is missing. It stays loaded, since it keeps tables for its whole life that unloading would lose each
+    time. The configuration is one of our own, so the host's use of the library is left alone. */
 class FontConfig
 {
 public:
     FontConfig()
     {
-        if (library.open("libfontconfig.so.1") && loadAll())
+        if (library != nullptr && loadAll())
             config = initLoadConfigAndFonts();
     }
 
@@ -110,11 +115,11 @@ private:
     template <typename Function>
     bool load(Function*& function, const char* name)
     {
-        function = reinterpret_cast<Function*>(library.getFunction(name));
+        function = reinterpret_cast<Function*>(dlsym(library, name));
         return function != nullptr;
     }
 
-    juce::DynamicLibrary library;
+    void* library = dlopen("libfontconfig.so.1", RTLD_LAZY | RTLD_LOCAL | RTLD_NODELETE);
     void* config = nullptr;
 
     void* (*initLoadConfigAndFonts)() = nullptr;
