@@ -34,7 +34,7 @@ function(ambrel_installed_test name)
 endfunction()
 
 add_executable(ambrel_host
-    hosts/EditorChecks.cpp hosts/FormatChecks.cpp hosts/JucePlugIn.cpp hosts/main.cpp)
+    hosts/EditorChecks.cpp hosts/FormatChecks.cpp hosts/JucePlugIn.cpp hosts/LeakChecks.cpp hosts/main.cpp)
 ambrel_target(ambrel_host)
 target_link_libraries(ambrel_host PRIVATE ambrel_juce_hosting ${CMAKE_DL_LIBS})
 set(host_formats VST3 LV2)
