@@ -199,8 +199,14 @@ constinit Slots<Bounds{.bytes = std::size_t{128} << 10, .fewest = 0, .most = 512
 // the block length hands all of them back.
 constinit Slots<Bounds{.bytes = std::size_t{16} << 20, .fewest = 4, .most = 32768}> streamSlots;
 
+// A stream leaves the system's allocator alone, even for what others took from it: they find such blocks here.
+constinit Slots<Bounds{.bytes = std::size_t{16} << 20, .fewest = 4, .most = 512}> returnedSlots;
+
 constinit Store generalStore(generalSlots);
 constinit Store streamStore(streamSlots);
+constinit Store returnedStore(returnedSlots);
+
+constexpr std::array<Store*, 3> allStores = {&generalStore, &streamStore, &returnedStore};
 
 constinit std::atomic<int> leases{0};
 
@@ -276,7 +282,10 @@ void* MemoryPool::allocate(std::size_t bytes) noexcept
         return takeFromSystem(total, {unpooled, nullptr});
 
     auto* store = currentStore;
-    if (auto* block = store->shelves[sizeClass].take())
+    void* block = store->shelves[sizeClass].take();
+    if (block == nullptr && store == &generalStore)
+        block = returnedStore.shelves[sizeClass].take();
+    if (block != nullptr)
     {
         setPoisoned(block, false);
         return block;
@@ -290,29 +299,22 @@ void MemoryPool::release(void* block) noexcept
 {
     if (block == nullptr)
         return;
-    auto& [sizeClass, home] = *(static_cast<Header*>(block) - 1);
+    const auto [sizeClass, home] = *(static_cast<Header*>(block) - 1);
     if (home == nullptr)
     {
         giveToSystem(block);
         return;
     }
     setPoisoned(block, true);
-    const auto shelf = sizeClass; // the block is another thread's as soon as it is given
-    if (home->shelves[shelf].give(block))
-        return;
-    // A stream leaves the system's allocator alone, even for what it has no use for.
-    if (home != &streamStore && currentStore == &streamStore)
-    {
-        home = &streamStore;
-        if (streamStore.shelves[shelf].give(block))
-            return;
-    }
-    giveToSystem(block);
+    const bool isForeign = home != currentStore && currentStore == &streamStore;
+    auto& store = isForeign ? returnedStore : *home;
+    if (!store.shelves[sizeClass].give(block))
+        giveToSystem(block);
 }
 
 void MemoryPool::trim() noexcept
 {
-    for (auto* store : {&generalStore, &streamStore})
+    for (auto* store : allStores)
         for (auto& shelf : store->shelves)
             while (auto* block = shelf.takeAny())
                 giveToSystem(block);
@@ -322,7 +324,7 @@ std::size_t MemoryPool::getIdleBytes() noexcept
 {
     std::size_t bytes = 0;
     for (std::size_t sizeClass = 0; sizeClass < numSizeClasses; ++sizeClass)
-        for (const auto* store : {&generalStore, &streamStore})
+        for (const auto* store : allStores)
             bytes += store->shelves[sizeClass].countIdle() * getClassBytes(sizeClass);
     return bytes;
 }

@@ -7,7 +7,8 @@
     it.
 
     A thread that processes audio says so with a StreamScope. Streams draw on a store of their own: what they
-    have given back is there for the next block, however much the other threads take meanwhile.
+    have given back is there for the next block, however much the other threads take meanwhile. Large blocks are
+    kept for streams alone.
 
     Taking and giving back are lock-free and safe on any thread, also on another one than the block came from.
     What the pool keeps is bounded. While at least one PoolLease lives the kept blocks stay; when the last one
@@ -47,8 +48,9 @@ public:
     PoolLease& operator=(const PoolLease&) noexcept { return *this; }
 };
 
-/** For as long as it lives, its thread takes blocks from the streams' store. Blocks go back to the store that
-    they came from, on whatever thread. Scopes may nest. */
+/** For as long as it lives, its thread takes blocks from the streams' store, and gives none to the system. Blocks go
+    back to the store that they came from, on whatever thread; what a stream gives back of the other threads' waits
+    for them. Scopes may nest. */
 class StreamScope
 {
 public:
