@@ -261,11 +261,14 @@ IppStatus filterStereoSpectra_32f(std::span<const StereoTerm> terms, StereoSpect
         return ippStsNullPtrErr;
     const auto isThere = [](const ResponseSpectrum& response)
     { return response.re != nullptr && response.im != nullptr; };
+    const auto isHalf = [](const ResponseSpectrum& response)
+    { return (response.re == nullptr) != (response.im == nullptr); };
     const bool crosses = isThere(terms.front().filter.rightToLeft);
     for (const auto& [src, filter] : terms)
         if (src.re == nullptr || src.im == nullptr || !isThere(filter.leftToLeft) ||
             !isThere(filter.rightToRight) || isThere(filter.rightToLeft) != crosses ||
-            isThere(filter.leftToRight) != crosses)
+            isThere(filter.leftToRight) != crosses || isHalf(filter.rightToLeft) ||
+            isHalf(filter.leftToRight))
             return ippStsNullPtrErr;
     getKernels().filterStereo(terms, dst, static_cast<std::size_t>(half), accumulate);
     return ippStsNoErr;

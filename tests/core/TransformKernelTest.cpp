@@ -251,7 +251,10 @@ TEST_P(TransformKernel, RefusesWhatItCannotDo)
     const StereoTerm incomplete[] = {{{samples, samples}, {response, {}}}};
     const StereoTerm mixed[] = {{{samples, samples}, {response, response}},
                                 {{samples, samples}, {response, response, response, response}}};
+    const ResponseSpectrum realOnly{samples, nullptr};
+    const StereoTerm halved[] = {{{samples, samples}, {response, response, realOnly, realOnly}}};
     EXPECT_EQ(filterStereoSpectra_32f(incomplete, spectrum, 8, false), ippStsNullPtrErr);
+    EXPECT_EQ(filterStereoSpectra_32f(halved, spectrum, 8, false), ippStsNullPtrErr);
     EXPECT_EQ(filterStereoSpectra_32f(mixed, spectrum, 8, false), ippStsNullPtrErr);
     EXPECT_EQ(filterStereoSpectra_32f(std::span(mixed).first(1), spectrum, 0, false), ippStsSizeErr);
     EXPECT_EQ(filterStereoSpectra_32f({}, spectrum, 8, false), ippStsSizeErr);
