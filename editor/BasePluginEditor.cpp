@@ -1,6 +1,7 @@
 #include "editor/BasePluginEditor.h"
 
 #include "editor/ParameterSlider.h"
+#include "editor/RefreshRate.h"
 #include "editor/themes/DarkTheme.h"
 #include "editor/themes/SteelTheme.h"
 
@@ -52,6 +53,7 @@ BasePluginEditor::BasePluginEditor(BasePlugInProcessor* plugInProcessor)
     openGlContext.attachTo(*this);
 #endif
     setTitle(plugIn->getName());
+    supplyMissingRefreshRates();
 
     tooltipWindow = std::make_unique<juce::TooltipWindow>(this, tooltipDelayMilliseconds);
     BasePluginEditor::setTheme(static_cast<ThemeId>(plugIn->settings->getIntValue(themeKey, darkTheme)));

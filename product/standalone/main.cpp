@@ -1,5 +1,7 @@
 /** Entry of the stand-alone program: JUCE's own application, if there is a display for its window. JUCE itself
     would go on without one, and crash. */
+#include "editor/RefreshRate.h"
+
 #include <juce_gui_basics/juce_gui_basics.h>
 
 #include <cstdlib>
@@ -18,5 +20,6 @@ int main(int argc, char* argv[])
         std::cerr << "Ambrel: there is no display to open a window on. ambrel-render works without one.\n";
         return EXIT_FAILURE;
     }
+    supplyMissingRefreshRates(); // before the editor does it, since the window around it comes first
     return juce::JUCEApplicationBase::main(argc, const_cast<const char**>(argv));
 }
