@@ -3,12 +3,11 @@
 
 #include "product/AmbrelAudioProcessor.h"
 #include "product/AmbrelAudioProcessorEditor.h"
-#include "tests/artwork/Picture.h"
 #include "tests/plugin/TestPlugIn.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
+#include <sstream>
 #include <utility>
 #include <vector>
 
@@ -53,6 +52,23 @@ inline void drag(juce::Slider& slider, juce::Point<float> from, juce::Point<floa
     slider.mouseUp(mouseEvent(slider, to, 0));
 }
 
+/** Largest difference of two colours in any channel. The renderer is exact within a few steps. */
+inline int difference(juce::Colour a, juce::Colour b)
+{
+    return std::max({std::abs(a.getRed() - b.getRed()), std::abs(a.getGreen() - b.getGreen()),
+                     std::abs(a.getBlue() - b.getBlue()), std::abs(a.getAlpha() - b.getAlpha())});
+}
+
+/** Number of pixels of an area that are of about this colour. */
+inline int count(const juce::Image& image, juce::Rectangle<int> area, juce::Colour colour, int tolerance = 12)
+{
+    int found = 0;
+    for (int y = area.getY(); y < area.getBottom(); ++y)
+        for (int x = area.getX(); x < area.getRight(); ++x)
+            found += difference(image.getPixelAt(x, y), colour) <= tolerance ? 1 : 0;
+    return found;
+}
+
 /** All items of a menu and of its sub-menus that can be chosen, one a line: id, text, and [x] if ticked. */
 inline juce::String describe(const juce::PopupMenu& menu)
 {
@@ -63,19 +79,8 @@ inline juce::String describe(const juce::PopupMenu& menu)
     return text;
 }
 
-/** The texts as they stand in the code, whatever the machine's language. A processor made after this loads no
-    translation. */
-struct InEnglish
-{
-    InEnglish()
-    {
-        setenv("LC_ALL", "C", 1);
-        juce::LocalisedStrings::setCurrentMappings(nullptr);
-    }
-};
-
 /** The product with presets of its own in folders that go away with it. */
-class AmbrelWithPresets : private InEnglish, public AmbrelAudioProcessor
+class AmbrelWithPresets : public AmbrelAudioProcessor
 {
 public:
     AmbrelWithPresets()
@@ -90,19 +95,17 @@ public:
     }
 
     /** Adds a factory preset that sets parameters of the engine. */
-    void addPreset(const juce::String& name, const std::vector<std::pair<int, double>>& values)
+    void addPreset(const std::string& name, const std::vector<std::pair<int, double>>& values)
     {
-        juce::String text;
+        std::ostringstream text;
         for (const auto& [id, value] : values)
-            text << "<Parameter id=\"" << id << "\" value=\"" << value << "\"/>";
-        factory.write(name + ".xml", presetText(text));
+            text << "<Parameter id='" << id << "' value='" << value << "'/>";
+        factory.write(name + ".xml", presetText(text.str()));
         updatePresetTree();
     }
 
     float engineValue(int parameter) { return getBaseProcessor()->getParameterValue(parameter); }
 
-    using BasePlugInProcessor::alternateSettings;
-    using BasePlugInProcessor::redoStates;
     using BasePlugInProcessor::undoStates;
 
     TemporaryFolder factory, user;

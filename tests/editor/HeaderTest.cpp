@@ -3,13 +3,6 @@
 
 namespace
 {
-struct MenuListener : PlugInEditorHeader::Listener
-{
-    void menuCommand(int id) override { heard.push_back(id); }
-
-    std::vector<int> heard;
-};
-
 /** A framework editor with a header, as any product could have it. */
 class HeaderTest : public ::testing::Test
 {
@@ -44,17 +37,6 @@ TEST_F(HeaderTest, everyButtonCanBeReachedAndReadOut)
         titles.addIfNotAlreadyThere(child->getTitle());
     }
     EXPECT_EQ(titles.size(), 10);
-}
-
-TEST_F(HeaderTest, commandsReachListenersForAsLongAsTheHeaderIsThere)
-{
-    MenuListener listener;
-    header.addListener(&listener);
-    PlugInEditorHeader::plugInMenuCallback(16384, &header);
-    PlugInEditorHeader::plugInMenuCallback(16384, nullptr);
-    header.removeListener(&listener);
-    PlugInEditorHeader::plugInMenuCallback(16385, &header);
-    EXPECT_EQ(listener.heard, std::vector<int>{16384});
 }
 
 TEST_F(HeaderTest, comparisonSwitchesAndCopiesTheSettings)
@@ -133,14 +115,4 @@ TEST_F(HeaderTest, themeComesFromTheSettingsAndTheMenuAndIsWrittenBack)
         EXPECT_EQ(processor.settings->getIntValue("ThemeId", 99), chosen);
         EXPECT_EQ(describe(header.getPlugInMenu()).contains("8225 Brushed steel [x]"), chosen == 1);
     }
-}
-
-TEST_F(HeaderTest, presetMenuShowsTheProductsAndTheUsersWithFolders)
-{
-    processor.factory.write("Hall.xml");
-    processor.factory.write("Rooms/Small.xml");
-    processor.user.write("Mine.xml");
-    editor.updatePresetMenu();
-    for (const auto* item : {"8448 Hall\n", "8449 Small\n", "8450 Mine\n"})
-        EXPECT_TRUE(describe(editor.getPresetMenu()).contains(item)) << item;
 }

@@ -27,10 +27,7 @@ protected:
 
 TEST_F(AmbrelTest, HasTwoParametersWithTheEnginesDefaults)
 {
-    EXPECT_EQ(plugIn.getName(), "Veskora Ambrel");
     ASSERT_EQ(plugIn.getNumParameters(), 2);
-    EXPECT_EQ(plugIn.getParameterName(0), "ReverbCharacter");
-    EXPECT_EQ(plugIn.getParameterName(1), "ReverbMix");
     EXPECT_EQ(plugIn.getParameterID(0), "ReverbCharacter");
     EXPECT_EQ(plugIn.getParameterDefaultValue(0), 0.25f);
     EXPECT_NEAR(plugIn.getParameterDefaultValue(1), 0.1778f, 1e-4f);
@@ -70,21 +67,15 @@ TEST_F(AmbrelTest, CharacterMovesTimeAndBrightnessAndMixCrossfadesAmplitudes)
 
 TEST_F(AmbrelTest, OffersMonoAndStereoOnly)
 {
-    using Set = juce::AudioChannelSet;
-    struct Row
-    {
-        Set input, output;
-        bool supported;
-    };
-    for (const auto& row : {Row{Set::stereo(), Set::stereo(), true}, Row{Set::mono(), Set::mono(), true},
-                            Row{Set::mono(), Set::stereo(), false}, Row{Set::stereo(), Set::mono(), false},
-                            Row{Set::createLCR(), Set::createLCR(), false}})
-    {
-        juce::AudioProcessor::BusesLayout layout;
-        layout.inputBuses.add(row.input);
-        layout.outputBuses.add(row.output);
-        EXPECT_EQ(plugIn.checkBusesLayoutSupported(layout), row.supported);
-    }
+    for (const int inputs : {1, 2, 3})
+        for (const int outputs : {1, 2, 3})
+        {
+            juce::AudioProcessor::BusesLayout layout;
+            layout.inputBuses.add(juce::AudioChannelSet::canonicalChannelSet(inputs));
+            layout.outputBuses.add(juce::AudioChannelSet::canonicalChannelSet(outputs));
+            EXPECT_EQ(plugIn.checkBusesLayoutSupported(layout), inputs == outputs && inputs < 3)
+                << inputs << " to " << outputs;
+        }
 }
 
 /** Some hosts send their program number right behind the state, when a session opens. */

@@ -24,8 +24,6 @@ std::string repeat(const char* text, int count)
     return juce::String::repeatedString(text, count).toStdString();
 }
 
-std::string preset(const std::string& parameters) { return presetText(parameters).toStdString(); }
-
 class BadInputTest : public ::testing::Test
 {
 protected:
@@ -34,8 +32,7 @@ protected:
         auto& engine = *plugIn.getBaseProcessor();
         for (int id = 0; id < Reverberation::numParameters; ++id)
         {
-            float low = 0.0f;
-            float high = 0.0f;
+            float low = 0.0f, high = 0.0f;
             engine.getParameterRange(id, low, high);
             const float value = engine.getParameterValue(id);
             EXPECT_TRUE(value >= low && value <= high) << id << ": " << value << " after " << after;
@@ -89,7 +86,7 @@ protected:
 
     AmbrelAudioProcessor plugIn;
     TemporaryFolder folder;
-    const juce::File file = folder.folder.getChildFile("preset.xml");
+    const juce::File file = folder.get("preset.xml");
 };
 } // namespace
 
@@ -120,7 +117,7 @@ TEST_F(BadInputTest, StateBlocks)
 TEST_F(BadInputTest, PresetFiles)
 {
     const auto time = [](const std::string& value)
-    { return preset("<Parameter id='2' value='" + value + "'/>"); };
+    { return presetText("<Parameter id='2' value='" + value + "'/>"); };
     const auto withType = [&](const std::string& type, const std::string& value)
     { return "<!DOCTYPE p " + type + ">" + time(value); };
     const std::string laughs = "[<!ENTITY a \"ha\"><!ENTITY b \"" + repeat("&a;", 10) + "\"><!ENTITY c \"" +
@@ -145,20 +142,20 @@ TEST_F(BadInputTest, PresetFiles)
         {"UTF-16", {static_cast<const char*>(utf16.getData()), utf16.getDataSize()}, 3.0f},
         {"UTF-8 with a mark", "\xef\xbb\xbf" + time("3"), 3.0f},
         {"a mark alone", "\xef\xbb\xbf", 0.0f},
-        {"Latin-1", preset("<Parameter name='Gr\xf6\xdf' id='2' value='3'/>"), 3.0f},
-        {"breaks off within a character", preset("<Parameter id='2' value='3\xf0"), 0.0f},
+        {"Latin-1", presetText("<Parameter name='Gr\xf6\xdf' id='2' value='3'/>"), 3.0f},
+        {"breaks off within a character", presetText("<Parameter id='2' value='3\xf0"), 0.0f},
         {"a zero within", time("3") + std::string(1, '\0') + "<", 3.0f},
         {"no settings", "<Preset><Settings/></Preset>", 0.0f},
 
         {"comments and such",
-         "<!-->--><?x ' ?>" + preset("<!-- <a> -->x<![CDATA[<a>]]><Parameter id='2' value='3'/>"), 3.0f},
-        {"quotes", preset("<a b=\"'</a>'\" c='>'/><Parameter id='2' value='3'/>"), 3.0f},
+         "<!-->--><?x ' ?>" + presetText("<!-- <a> -->x<![CDATA[<a>]]><Parameter id='2' value='3'/>"), 3.0f},
+        {"quotes", presetText("<a b=\"'</a>'\" c='>'/><Parameter id='2' value='3'/>"), 3.0f},
         {"behind the end", time("3") + "<<<", 3.0f},
-        {"deep", preset(repeat("<a>", deep) + repeat("</a>", deep)), 0.0f},
-        {"deep behind comments", preset(repeat("<a><!--></a>-->", deep / 2)), 0.0f},
-        {"deep behind quotes", preset(repeat("<x><a ! \"<!--\"></a></x>-->", deep / 3)), 0.0f},
-        {"many elements", preset(repeat("<Parameter id='2' value='3'/>", 1'000'000)), 0.0f},
-        {"instruction before text", preset("<?x?>text"), 0.0f},
+        {"deep", presetText(repeat("<a>", deep) + repeat("</a>", deep)), 0.0f},
+        {"deep behind comments", presetText(repeat("<a><!--></a>-->", deep / 2)), 0.0f},
+        {"deep behind quotes", presetText(repeat("<x><a ! \"<!--\"></a></x>-->", deep / 3)), 0.0f},
+        {"many elements", presetText(repeat("<Parameter id='2' value='3'/>", 1'000'000)), 0.0f},
+        {"instruction before text", presetText("<?x?>text"), 0.0f},
 
         {"entities of entities", withType(laughs, "&d;"), 0.0f},
         {"an entity of its own", withType("[<!ENTITY a \"&a;\">]", "&a;"), 0.0f},
@@ -184,7 +181,7 @@ TEST_F(BadInputTest, PresetFiles)
     EXPECT_FALSE(plugIn.importFromPresetFile(file.getSiblingFile("missing.xml")));
 
     const auto whole =
-        preset("<Parameter id=\"2\" unit=\"s\" value=\"2.4\"/><Parameter id='1' value='-12'/>");
+        presetText("<Parameter id=\"2\" unit=\"s\" value=\"2.4\"/><Parameter id='1' value='-12'/>");
     damage(whole, [&](const auto& content, const auto& what) { import(content, what); });
     EXPECT_TRUE(import(whole, "all of these"));
 }
@@ -192,19 +189,19 @@ TEST_F(BadInputTest, PresetFiles)
 #if !JUCE_WINDOWS
 TEST_F(BadInputTest, PresetFolders)
 {
-    const auto path = [&](const char* name) { return folder.folder.getFullPathName() + "/" + name; };
     folder.write("text.xml", "no preset");
-    folder.folder.getChildFile("folder.xml").createDirectory();
-    ASSERT_EQ(symlink("/nonexistent", path("nowhere.xml").toRawUTF8()), 0);
-    ASSERT_EQ(symlink("round.xml", path("round.xml").toRawUTF8()), 0);
-    ASSERT_EQ(symlink("/dev/zero", path("endless.xml").toRawUTF8()), 0);
-    ASSERT_EQ(symlink("..", path("parent").toRawUTF8()), 0);
-    ASSERT_EQ(mkfifo(path("pipe.xml").toRawUTF8(), 0600), 0);
-    const auto foreign = path("Saal gro").toStdString() + "\xdf.xml";
-    ASSERT_EQ(symlink("text.xml", foreign.c_str()), 0);
-    ASSERT_EQ(mkdir((path("Gr").toStdString() + "\xf6\xdf").c_str(), 0700), 0);
+    folder.get("folder.xml").createDirectory();
+    const auto root = folder.path("") + "/";
+    for (const auto& [target, name] : {std::pair{"/nonexistent", "nowhere.xml"},
+                                       {"round.xml", "round.xml"},
+                                       {"/dev/zero", "endless.xml"},
+                                       {"..", "parent"},
+                                       {"text.xml", "Saal gro\xdf.xml"}})
+        ASSERT_EQ(symlink(target, (root + name).c_str()), 0) << name;
+    ASSERT_EQ(mkfifo((root + "pipe.xml").c_str(), 0600), 0);
+    ASSERT_EQ(mkdir((root + "Gr\xf6\xdf").c_str(), 0700), 0);
 
-    for (const auto& library : {folder.folder, folder.folder.getChildFile("missing"), juce::File()})
+    for (const auto& library : {folder.folder, folder.get("missing"), juce::File()})
     {
         plugIn.factoryPresetFolder = plugIn.userPresetFolder = library;
         plugIn.updatePresetTree();
@@ -241,8 +238,7 @@ TEST(BadInput, AnEngineThatFailsIsKeptFromTheHost)
 TEST(BadInput, SettingsFiles)
 {
     const auto file = TestPlugIn("Shared").settings->getFile();
-    const std::string contents[] = {"", "CPRP\x78\x9c", "<PROPERTIES", std::string(1000, '\xf0')};
-    for (const auto& content : contents)
+    for (const std::string content : {"", "CPRP\x78\x9c", "<PROPERTIES", "\xf0\xf0"})
     {
         file.replaceWithData(content.data(), content.size());
         {

@@ -2,22 +2,6 @@
 
 #include <gtest/gtest.h>
 
-namespace
-{
-/** What a host hears. */
-class HostListener : public juce::AudioProcessorListener
-{
-public:
-    void audioProcessorParameterChanged(juce::AudioProcessor*, int index, float value) override
-    {
-        changes.emplace_back(index, value);
-    }
-    void audioProcessorChanged(juce::AudioProcessor*, const ChangeDetails&) override {}
-
-    std::vector<std::pair<int, float>> changes;
-};
-} // namespace
-
 TEST(ParametersTest, MapsLinearlyAndLogarithmically)
 {
     TestPlugIn plugIn;
@@ -33,8 +17,7 @@ TEST(ParametersTest, MapsLinearlyAndLogarithmically)
                             Row{1, 0.5f, 632.4555f}, Row{1, 1.0f, 20000.0f}, Row{2, 1.0f, 1.0f}})
     {
         plugIn.setParameter(row.index, row.normalized);
-        EXPECT_NEAR(plugIn.engine.values[static_cast<std::size_t>(row.index)], row.engineValue,
-                    1e-6f * row.engineValue);
+        EXPECT_NEAR(plugIn.engine.getParameterValue(row.index), row.engineValue, 1e-6f * row.engineValue);
         EXPECT_NEAR(plugIn.getParameter(row.index), row.normalized, 1e-6f);
     }
 }
@@ -42,8 +25,7 @@ TEST(ParametersTest, MapsLinearlyAndLogarithmically)
 TEST(ParametersTest, IndicesOutOfRangeGetNeutralAnswers)
 {
     TestPlugIn plugIn;
-    EXPECT_EQ(plugIn.getNumParameters(), 3);
-    for (const int index : {-1, 3})
+    for (const int index : {-1, plugIn.getNumParameters()})
     {
         EXPECT_EQ(plugIn.getParameter(index), -1.0f);
         EXPECT_EQ(plugIn.getParameterDefaultValue(index), 0.0f);
@@ -72,25 +54,18 @@ TEST(ParametersTest, AnOpenEditorPutsTheWorkOff)
 TEST(ParametersTest, HostHearsOfResetsAndInternalChangesOnly)
 {
     TestPlugIn plugIn;
-    HostListener host;
-    CountingListener listener;
-    plugIn.addListener(static_cast<juce::AudioProcessorListener*>(&host));
-    plugIn.addListener(&listener);
-
+    const HostListener host(plugIn);
+    CountingListener window;
+    plugIn.addListener(&window);
     plugIn.setParameter(0, 1.0f);
-    EXPECT_TRUE(host.changes.empty());
-    EXPECT_EQ(listener.heard, std::vector<int>{0});
-
     plugIn.resetParameter(0, false);
-    EXPECT_TRUE(host.changes.empty());
+    EXPECT_EQ(host.heard, "");
     plugIn.resetParameter(0, true);
     plugIn.notifyInternalParameterChange(2);
     plugIn.notifyInternalParameterChange(3);
-    EXPECT_EQ(host.changes, (std::vector<std::pair<int, float>>{{0, 0.25f}, {2, 0.0f}}));
-    EXPECT_EQ(listener.heard.size(), 1u);
-
-    plugIn.removeListener(static_cast<juce::AudioProcessorListener*>(&host));
-    plugIn.removeListener(&listener);
+    EXPECT_EQ(host.heard, "0=0.250 2=0.000 ");
+    EXPECT_EQ(window.heard, std::vector<int>{0});
+    plugIn.removeListener(&window);
 }
 
 TEST(ParametersTest, ListenersMayLeaveWhileTheyAreCalled)
@@ -101,7 +76,6 @@ TEST(ParametersTest, ListenersMayLeaveWhileTheyAreCalled)
     third.onChange = [&] { plugIn.removeListener(&third); };
     for (auto* listener : {&first, &second, &third, &first})
         plugIn.addListener(listener);
-    plugIn.addListener(static_cast<CountingListener*>(nullptr));
 
     plugIn.setParameter(1, 0.5f);
     plugIn.setParameter(2, 1.0f);

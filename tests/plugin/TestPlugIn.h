@@ -4,9 +4,9 @@
 #pragma once
 
 #include "plugin/BasePlugInProcessor.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <algorithm>
-#include <array>
 #include <functional>
 #include <stdexcept>
 #include <tuple>
@@ -19,7 +19,7 @@ class FakeEngine : public vesk::audio::BaseAudioProcessor
 public:
     bool setFormat(const vesk::audio::AudioFormat& input, const vesk::audio::AudioFormat& output) override
     {
-        vesk::audio::BaseAudioProcessor::setFormat(input, output);
+        BaseAudioProcessor::setFormat(input, output);
         return acceptsFormat;
     }
 
@@ -27,14 +27,18 @@ public:
 
     void getParameterRange(int index, float& low, float& high) override
     {
-        std::tie(low, high) = ranges.at(static_cast<std::size_t>(index));
+        constexpr std::pair<float, float> ranges[] = {
+            {0.0f, 100.0f}, {20.0f, 20000.0f}, {0.0f, 1.0f}, {-48.0f, 18.0f}};
+        getParameterValue(index); // throws for an index that does not exist
+        std::tie(low, high) = ranges[index];
     }
 
     float getParameterValue(int index) override { return values.at(static_cast<std::size_t>(index)); }
 
     void setParameterValue(int index, float value, bool effectuateNow) override
     {
-        const auto [low, high] = ranges.at(static_cast<std::size_t>(index));
+        float low = 0.0f, high = 0.0f;
+        getParameterRange(index, low, high);
         values[static_cast<std::size_t>(index)] = std::clamp(value, low, high);
         pending = true;
         if (effectuateNow)
@@ -70,10 +74,6 @@ public:
     int resets = 0;
     int blocks = 0;
     int effectuations = 0;
-
-private:
-    static constexpr std::array<std::pair<float, float>, 4> ranges{
-        {{0.0f, 100.0f}, {20.0f, 20000.0f}, {0.0f, 1.0f}, {-48.0f, 18.0f}}};
 };
 
 /** Public parameters: 0 linear "Amount", 1 logarithmic "Corner", 2 switch "Freeze". Engine parameter 3 is hidden. */
@@ -112,7 +112,6 @@ public:
 
     using BasePlugInProcessor::presetExemptParameters;
     using BasePlugInProcessor::redoStates;
-    using BasePlugInProcessor::resetPresetIndex;
     using BasePlugInProcessor::undoStates;
 
     /** Makes program changes count, as if the last state restore were long past. */
@@ -122,6 +121,7 @@ public:
     FakeEngine& engine;
 };
 
+/** Hears what windows hear. */
 class CountingListener : public BasePlugInProcessor::Listener
 {
 public:
@@ -136,25 +136,46 @@ public:
     std::function<void()> onChange;
 };
 
-/** A folder that is deleted with this. */
-class TemporaryFolder
+/** Hears what the host hears, for as long as it lives. */
+class HostListener : private juce::AudioProcessorListener
 {
 public:
-    TemporaryFolder() : folder(juce::File::createTempFile("test")) { folder.createDirectory(); }
-    ~TemporaryFolder() { folder.deleteRecursively(); }
-
-    juce::File write(const juce::String& path, const juce::String& content = "<Preset/>") const
+    explicit HostListener(juce::AudioProcessor& plugInToHear) : plugIn(plugInToHear)
     {
-        const auto file = folder.getChildFile(path);
-        file.create();
-        file.replaceWithText(content);
-        return file;
+        plugIn.addListener(this);
+    }
+    ~HostListener() override { plugIn.removeListener(this); }
+
+    juce::String heard;
+
+private:
+    void audioProcessorParameterChanged(juce::AudioProcessor*, int index, float value) override
+    {
+        heard << index << "=" << juce::String(value, 3) << " ";
+    }
+    void audioProcessorChanged(juce::AudioProcessor*, const ChangeDetails&) override {}
+    void audioProcessorParameterChangeGestureBegin(juce::AudioProcessor*, int index) override
+    {
+        heard << "begin" << index << " ";
+    }
+    void audioProcessorParameterChangeGestureEnd(juce::AudioProcessor*, int index) override
+    {
+        heard << "end" << index << " ";
     }
 
-    const juce::File folder;
+    juce::AudioProcessor& plugIn;
 };
 
-inline juce::String presetText(const juce::String& parameters)
+/** A folder of the sources that the tests were built from. */
+inline juce::File getSourceFolder(const juce::String& path)
+{
+    return juce::File::getCurrentWorkingDirectory()
+        .getChildFile(__FILE__)
+        .getChildFile("../../..")
+        .getChildFile(path);
+}
+
+inline std::string presetText(const std::string& parameters)
 {
     return "<Preset><ParameterSettings>" + parameters + "</ParameterSettings></Preset>";
 }

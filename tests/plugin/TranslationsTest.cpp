@@ -11,19 +11,13 @@
 
 namespace
 {
-juce::File getSourceRoot()
-{
-    return juce::File::getCurrentWorkingDirectory().getChildFile(__FILE__).getChildFile("../../..");
-}
-
 std::set<juce::String> findTexts()
 {
     const std::regex jointOfLiterals(R"re(([^\\(])"\s+")re");
     const std::regex call(R"re(\b(?:translate|TRANS|NEEDS_TRANS)\s*\(\s*"((?:[^"\\]|\\.)+)")re");
     std::set<juce::String> texts;
     for (const auto* folder : {"plugin", "editor", "product"})
-        for (const auto& file :
-             getSourceRoot().getChildFile(folder).findChildFiles(juce::File::findFiles, true, "*.cpp"))
+        for (const auto& file : getSourceFolder(folder).findChildFiles(juce::File::findFiles, true, "*.cpp"))
         {
             const auto code =
                 std::regex_replace(file.loadFileAsString().toStdString(), jointOfLiterals, "$1");
@@ -41,8 +35,7 @@ TEST(TranslationsTest, HaveTheTextsOfTheProgramWithTheirPlaceholders)
 {
     const auto texts = findTexts();
     EXPECT_GT(texts.size(), 40u);
-    const auto files =
-        getSourceRoot().getChildFile("resources/translations").findChildFiles(juce::File::findFiles, false);
+    const auto files = getSourceFolder("resources/translations").findChildFiles(juce::File::findFiles, false);
     EXPECT_EQ(files.size(), 7);
     const juce::LocalisedStrings other(files[0], false);
     const auto count = [](const juce::String& whole, const char* part)

@@ -40,23 +40,3 @@ TEST(UndoTest, GoesBackAndForth)
     EXPECT_TRUE(plugIn.redoStates.empty());
     plugIn.removeListener(&listener);
 }
-
-TEST(UndoTest, SwitchingTwiceReturnsToTheStart)
-{
-    TestPlugIn plugIn;
-    float& amount = plugIn.engine.values[0];
-    amount = 1.0f;
-    plugIn.switchToAlternateSettings();
-    EXPECT_EQ(amount, 1.0f) << "the empty slot changes nothing, and is filled";
-
-    amount = 2.0f;
-    plugIn.switchToAlternateSettings();
-    EXPECT_EQ(amount, 1.0f);
-    plugIn.switchToAlternateSettings();
-    EXPECT_EQ(amount, 2.0f);
-
-    plugIn.copyToAlternate();
-    plugIn.switchToAlternateSettings();
-    EXPECT_EQ(amount, 2.0f);
-    EXPECT_TRUE(plugIn.undoStates.empty());
-}

@@ -1,4 +1,4 @@
-#include "tests/render/TestFolder.h"
+#include "tests/render/TestAudio.h"
 
 #include "tools/render/AudioFileReader.h"
 #include "tools/render/AudioFileWriter.h"
@@ -10,10 +10,8 @@
 
 namespace ambrel::render::test
 {
-
 namespace
 {
-
 float largestDifference(const juce::AudioBuffer<float>& a, juce::AudioBuffer<float> b, int samples)
 {
     for (int channel = 0; channel < a.getNumChannels(); ++channel)
@@ -37,7 +35,6 @@ std::string wavFile(int format, int channels, int rate, int bits, const std::str
            number(channels, 2) + number(rate, 4) + number(rate * frame, 4) + number(frame, 2) +
            number(bits, 2) + "data" + number(claimedBytes, 4) + data;
 }
-
 } // namespace
 
 TEST(AudioFileReader, readsEveryFormatInBlocksAndThenSilence)
@@ -56,7 +53,7 @@ TEST(AudioFileReader, readsEveryFormatInBlocksAndThenSilence)
     for (const Row& row : rows)
     {
         SCOPED_TRACE(row.name + std::to_string(row.bits));
-        const TestFolder folder;
+        const TemporaryFolder folder;
         const auto sine = createSine(row.channels, length, 997.0, 44100.0);
         AudioFileReader file(writeAudio(folder.path(row.name), sine, 44100.0, row.bits));
         EXPECT_EQ(file.getNumChannels(), row.channels);
@@ -76,9 +73,9 @@ TEST(AudioFileReader, readsEveryFormatInBlocksAndThenSilence)
 
 TEST(AudioFileReader, refusesWhatCannotBeReadWithTheReason)
 {
-    const TestFolder folder;
-    const std::string flac = writeAudio(folder.path("whole.flac"), createNoise(2, 20000), 48000.0, 16);
-    const std::string ogg = writeAudio(folder.path("whole.ogg"), createNoise(2, 100000), 48000.0, 32);
+    const TemporaryFolder folder;
+    writeAudio(folder.path("whole.flac"), createNoise(2, 20000), 48000.0, 16);
+    writeAudio(folder.path("whole.ogg"), createNoise(2, 100000), 48000.0, 32);
     const auto hurt = [&](const char* name)
     {
         std::string content = folder.read(name);
@@ -86,25 +83,22 @@ TEST(AudioFileReader, refusesWhatCannotBeReadWithTheReason)
             content[content.size() / 2 + i] ^= 0x5a;
         return content;
     };
-    const std::string wholeFlac = folder.read("whole.flac");
     const std::string samples(2000, '\1');
     const std::string notANumber("\0\0\xc0\x7f\0\0\0\x3f", 8);
     struct Row
     {
         const char* name;
-        std::string content;
-        std::string reason;
+        std::string content, reason;
     };
     const Row rows[] = {
         {"empty.wav", "", "is empty"},
         {"text.wav", "no audio at all, but some text", "is broken or of a kind"},
         {"header.wav", wavFile(1, 1, 48000, 16, "", 0), "holds no audio"},
         {"cut.wav", wavFile(1, 1, 48000, 16, samples, 4000), "ends behind 1000 of the 2000 samples"},
-        {"law.wav", wavFile(7, 1, 8000, 8, samples, 2000), "is broken or of a kind"},
         {"odd.wav", wavFile(1, 1, 48000, 12, samples, 2000), "samples of 12 bits"},
         {"rate.wav", wavFile(1, 1, 0, 16, samples, 2000), "is broken or of a kind"},
         {"nan.wav", wavFile(3, 1, 48000, 32, notANumber, 8), "not finite"},
-        {"cut.flac", wholeFlac.substr(0, wholeFlac.size() / 3), "damaged or incomplete"},
+        {"cut.flac", folder.read("whole.flac").substr(0, 10000), "damaged or incomplete"},
         {"hurt.flac", hurt("whole.flac"), "damaged or incomplete"},
         {"hurt.ogg", hurt("whole.ogg"), "damaged or incomplete"},
     };
@@ -116,34 +110,34 @@ TEST(AudioFileReader, refusesWhatCannotBeReadWithTheReason)
             AudioFileReader file(path);
             juce::AudioBuffer<float> block(file.getNumChannels(), 100);
             file.read(block);
-            return "";
         }
         catch (const RenderError& error)
         {
             return error.what();
         }
+        return "";
     };
     for (const Row& row : rows)
     {
-        const std::string error = errorOf(folder.write(row.name, row.content));
+        folder.write(row.name, row.content);
+        const std::string error = errorOf(folder.path(row.name));
         EXPECT_NE(error.find(row.reason), std::string::npos) << row.name << ": " << error;
         EXPECT_NE(error.find(row.name), std::string::npos) << row.name << ": " << error;
     }
 
     EXPECT_NE(errorOf(folder.path("missing.wav")).find("no such file"), std::string::npos);
     EXPECT_NE(errorOf(folder.path("")).find("is a folder"), std::string::npos);
-    EXPECT_EQ(errorOf(flac), "");
-    EXPECT_EQ(errorOf(ogg), "");
+    EXPECT_EQ(errorOf(folder.path("whole.flac")) + errorOf(folder.path("whole.ogg")), "");
 }
 
 /** Programs that write to a pipe cannot know the length. */
 TEST(AudioFileReader, takesWhatIsThereIfTheLengthWasNotKnown)
 {
-    const TestFolder folder;
+    const TemporaryFolder folder;
     for (const std::uint32_t unknown : {0xffffffffu, 0x7ffff000u})
     {
-        const auto content = wavFile(1, 1, 48000, 16, std::string(2000, '\1'), unknown);
-        EXPECT_EQ(AudioFileReader(folder.write("pipe.wav", content)).getNumSamples(), 1000);
+        folder.write("pipe.wav", wavFile(1, 1, 48000, 16, std::string(2000, '\1'), unknown));
+        EXPECT_EQ(AudioFileReader(folder.path("pipe.wav")).getNumSamples(), 1000);
     }
 }
 
@@ -163,7 +157,7 @@ TEST(AudioFileWriter, writesEveryWidthAsAsked)
     for (const Row& row : rows)
     {
         SCOPED_TRACE(row.name + std::to_string(row.bits));
-        const TestFolder folder;
+        const TemporaryFolder folder;
         const auto noise = createNoise(2, 5000);
         AudioFileWriter file(folder.path(row.name), 96000.0, 2, row.bits);
         file.write(noise, 0, 1);
@@ -171,7 +165,7 @@ TEST(AudioFileWriter, writesEveryWidthAsAsked)
         EXPECT_FALSE(folder.contains(row.name)) << "must not appear before it is whole";
         file.commit();
 
-        EXPECT_EQ(folder.list(), std::vector<std::string>{row.name});
+        EXPECT_EQ(folder.count(), 1);
         const ReadAudio audio = readAudio(folder.path(row.name));
         ASSERT_EQ(audio.samples.getNumSamples(), 5000);
         EXPECT_EQ(audio.rate, 96000.0);
@@ -184,17 +178,17 @@ TEST(AudioFileWriter, writesEveryWidthAsAsked)
 
 TEST(AudioFileWriter, followsLinksAndRefusesWhatTheFormatDoesNotTake)
 {
-    const TestFolder folder;
+    const TemporaryFolder folder;
     folder.write("a.wav", "old");
-    std::filesystem::create_symlink(folder.path("a.wav"), folder.path("link.wav"));
+    folder.get("a.wav").createSymbolicLink(folder.get("link.wav"), false);
     AudioFileWriter file(folder.path("link.wav"), 48000.0, 1, 16);
     file.write(createNoise(1, 100), 0, 100);
     file.commit();
-    EXPECT_TRUE(std::filesystem::is_symlink(folder.path("link.wav")));
+    EXPECT_TRUE(folder.get("link.wav").isSymbolicLink());
     EXPECT_EQ(readAudio(folder.path("a.wav")).samples.getNumSamples(), 100);
 
     EXPECT_THROW(AudioFileWriter(folder.path("a.flac"), 1e6, 1, 16), RenderError) << "no FLAC has this rate";
-    EXPECT_EQ(folder.list().size(), 2u) << "something was left behind";
+    EXPECT_EQ(folder.count(), 2) << "something was left behind";
 }
 
 TEST(Quantiser, clipsAndCounts)

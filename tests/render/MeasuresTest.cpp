@@ -1,4 +1,4 @@
-#include "tests/render/TestFolder.h"
+#include "tests/render/TestAudio.h"
 
 #include "tools/render/RoomPlot.h"
 #include "tools/render/RoomReport.h"
@@ -8,17 +8,13 @@
 #include "tools/render/measures/RoomMeasures.h"
 #include "tools/render/measures/StereoImage.h"
 
-#include <juce_graphics/juce_graphics.h>
-
 #include <numeric>
 #include <random>
 
 namespace ambrel::measures
 {
-
 namespace
 {
-
 using render::test::createSine;
 
 constexpr double rate = 48000.0;
@@ -54,11 +50,6 @@ double energyOf(std::span<const float> samples)
 {
     return std::transform_reduce(samples.begin(), samples.end(), samples.begin(), 0.0, std::plus(),
                                  [](double a, double b) { return a * b; });
-}
-
-double expectedClarity(double border, double decayTime)
-{
-    return 10.0 * std::log10(std::pow(10.0, 6.0 * border / decayTime) - 1.0);
 }
 
 } // namespace
@@ -112,41 +103,19 @@ TEST(EnergyDecay, makesUpForAnEarlyEndAndKeepsSilentWhereItWouldGuess)
     EXPECT_TRUE(silence.getCurve().empty());
 }
 
-TEST(EnergyDecay, tellsABentDecayFromAStraightOne)
-{
-    std::vector<float> bent = createDecay(3.0, 0.5, 4);
-    const std::vector<float> slow = createDecay(3.0, 2.0, 5);
-    for (std::size_t i = 0; i < bent.size(); ++i)
-        bent[i] += 0.05f * slow[i];
-
-    const EnergyDecay decay(squared(bent), rate);
-    EXPECT_GT(decay.getStraightness(-5.0, -35.0).value_or(0.0), 1.5);
-    EXPECT_GT(decay.getTime(-5.0, -35.0).value_or(0.0), 1.3 * decay.getTime(0.0, -10.0).value_or(9.0));
-}
-
 TEST(EchoDensity, isOneForNoiseAndNearNoughtForSingleEchoes)
 {
     const EchoDensity noise(createGaussianNoise(48000, 6), rate);
-    double mean = 0.0;
-    for (const float value : noise.getProfile())
-        mean += static_cast<double>(value) / static_cast<double>(noise.getProfile().size());
-    EXPECT_NEAR(mean, 1.0, 0.02);
+    const auto profile = noise.getProfile();
+    const float sum = std::reduce(profile.begin(), profile.end());
+    EXPECT_NEAR(sum / static_cast<float>(profile.size()), 1.0f, 0.02f);
 
     std::vector<float> sparse(48000, 0.0f);
     for (std::size_t i = 0; i < sparse.size(); i += 300)
         sparse[i] = 1.0f;
     const EchoDensity echoes(sparse, rate);
-    EXPECT_LT(*std::max_element(echoes.getProfile().begin(), echoes.getProfile().end()), 0.1f);
+    EXPECT_LT(std::ranges::max(echoes.getProfile()), 0.1f);
     EXPECT_FALSE(echoes.getTimeOf(0.9).has_value());
-
-    // Echoes up to 300 ms, noise from there.
-    const std::vector<float> tail = createGaussianNoise(48000, 7);
-    std::copy(tail.begin() + 14400, tail.end(), sparse.begin() + 14400);
-    EXPECT_NEAR(EchoDensity(sparse, rate).getTimeOf(0.9).value_or(0.0), 0.3, 0.02);
-
-    const EchoDensity silence(std::vector<float>(4800, 0.0f), rate);
-    EXPECT_EQ(silence.getProfile().size(), 100u);
-    EXPECT_EQ(silence.getProfile()[50], 0.0f);
 }
 
 TEST(Colouration, noiseIsFlatWhateverItsDecayAndResonancesAreNot)
@@ -213,8 +182,10 @@ TEST(RoomMeasures, areThoseOfASyntheticRoom)
         const double tolerance = band.centre == 0.0 ? 0.026 : band.centre < 250.0 ? 0.15 : 0.05;
         EXPECT_NEAR(band.t30.value_or(0.0), time, tolerance * time) << band.centre;
         EXPECT_NEAR(band.t20.value_or(0.0), time, 1.5 * tolerance * time) << band.centre;
-        EXPECT_NEAR(band.c50.value_or(99.0), expectedClarity(0.05, time), 30.0 * tolerance) << band.centre;
-        EXPECT_NEAR(band.c80.value_or(99.0), expectedClarity(0.08, time), 30.0 * tolerance) << band.centre;
+        for (const auto& [clarity, border] : {std::pair{band.c50, 0.05}, {band.c80, 0.08}})
+            EXPECT_NEAR(clarity.value_or(99.0), 10.0 * std::log10(std::pow(10.0, 6.0 * border / time) - 1.0),
+                        30.0 * tolerance)
+                << band.centre;
     }
 
     EXPECT_NEAR(measures.broadband.earlyDecayTime.value_or(0.0), time, 0.06 * time);
@@ -229,20 +200,6 @@ TEST(RoomMeasures, areThoseOfASyntheticRoom)
     EXPECT_NEAR(static_cast<double>(measures.balance.size()), time / RoomMeasures::balanceStep, 1.0)
         << "down to -60 dB";
     EXPECT_NEAR(measures.broadband.decay.at(40), -10.0, 0.5) << "0.2 s";
-
-    const juce::MemoryBlock png = render::createRoomPlot(response, measures, {});
-    const juce::Image picture = juce::ImageFileFormat::loadFrom(png.getData(), png.getSize());
-    for (const juce::Rectangle<int> diagram : {juce::Rectangle(110, 100, 500, 450),
-                                               {900, 100, 500, 450},
-                                               {110, 680, 600, 400},
-                                               {900, 680, 600, 400}})
-    {
-        int coloured = 0;
-        for (int y = diagram.getY(); y < diagram.getBottom(); ++y)
-            for (int x = diagram.getX(); x < diagram.getRight(); ++x)
-                coloured += picture.getPixelAt(x, y).getPerceivedBrightness() < 0.8f ? 1 : 0;
-        EXPECT_GT(coloured, 300) << diagram.toString();
-    }
 }
 
 TEST(RoomMeasures, aSilentOrShortResponseHasNone)

@@ -3,7 +3,7 @@
 */
 #pragma once
 
-#include "tests/render/TestFolder.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <csignal>
 #include <cstdlib>
@@ -13,6 +13,7 @@
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
+#include <vector>
 
 namespace ambrel::render::test
 {
@@ -31,7 +32,7 @@ struct RunOptions
 };
 
 /** @param home  receives what the program writes at home, and its two outputs */
-inline Outcome run(const TestFolder& home, const std::vector<std::string>& arguments,
+inline Outcome run(const TemporaryFolder& home, const std::vector<std::string>& arguments,
                    const RunOptions& options = {})
 {
     const pid_t process = fork();

@@ -1,16 +1,15 @@
 /**
-    What the renderer's tests share: a folder of their own, signals, and audio files with these.
+    What the renderer's tests share: signals, and audio files with these.
 */
 #pragma once
+
+#include "tests/support/TemporaryFolder.h"
 
 #include <juce_audio_formats/juce_audio_formats.h>
 
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <memory>
 #include <numbers>
 #include <string>
@@ -18,46 +17,6 @@
 
 namespace ambrel::render::test
 {
-
-/** An empty folder that goes away with the object. */
-class TestFolder
-{
-public:
-    TestFolder()
-    {
-        std::string pattern = (std::filesystem::temp_directory_path() / "ambrel-render-XXXXXX").string();
-        folder = mkdtemp(pattern.data());
-    }
-
-    ~TestFolder() { std::filesystem::remove_all(folder); }
-
-    std::string path(const std::string& name) const { return (folder / name).string(); }
-
-    std::vector<std::string> list() const
-    {
-        std::vector<std::string> names;
-        for (const auto& entry : std::filesystem::directory_iterator(folder))
-            names.push_back(entry.path().filename().string());
-        return names;
-    }
-
-    bool contains(const std::string& name) const { return std::filesystem::exists(folder / name); }
-
-    std::string read(const std::string& name) const
-    {
-        std::ifstream stream(folder / name, std::ios::binary);
-        return {std::istreambuf_iterator<char>(stream), {}};
-    }
-
-    std::string write(const std::string& name, const std::string& content) const
-    {
-        std::ofstream(folder / name, std::ios::binary) << content;
-        return path(name);
-    }
-
-private:
-    std::filesystem::path folder;
-};
 
 /** Noise between -0.5 and 0.5, the same every time; each channel its own. */
 inline juce::AudioBuffer<float> createNoise(int channels, int samples)
