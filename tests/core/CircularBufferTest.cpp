@@ -31,7 +31,7 @@ TEST(CircularBuffer, ShowsTheCurrentBlockAndItsPastThroughWrapsAndGrowth)
     int position = 20000;
     const auto forgetBefore = [&](int end)
     {
-        for (int c = 0; c < 2; ++c)
+        for (const int c : {0, 1})
             std::fill_n(history.getWriteChannelPtr(c), end, 0.0f);
     };
     forgetBefore(position);

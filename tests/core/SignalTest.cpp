@@ -20,22 +20,29 @@ template <typename T>
 class SignalOf : public testing::Test
 {
 protected:
+    static T sampleOf(int channel, int index) { return T(static_cast<float>(1000 * channel + index)); }
+
     /** Two channels whose samples tell channel and index. */
     static Signal<T> makeCounting(int samples)
     {
         Signal<T> signal(2, samples);
         for (int c = 0; c < 2; ++c)
             for (int i = 0; i < samples; ++i)
-                signal.getWriteChannelPtr(c)[i] = T(static_cast<float>(1000 * c + i));
+                signal.getWriteChannelPtr(c)[i] = sampleOf(c, i);
         return signal;
     }
 
     static bool isCounting(const Signal<T>& signal, int channel, int samples)
     {
         for (int i = 0; i < samples; ++i)
-            if (signal.getChannelPtr(channel)[i] != T(static_cast<float>(1000 * channel + i)))
+            if (signal.getChannelPtr(channel)[i] != sampleOf(channel, i))
                 return false;
         return true;
+    }
+
+    static bool isCounting(const Signal<T>& signal)
+    {
+        return isCounting(signal, 0, 100) && isCounting(signal, 1, 100);
     }
 };
 
@@ -48,9 +55,6 @@ TYPED_TEST(SignalOf, ChannelsAreSeparateAlignedBlocks)
         for (const int channels : {0, 1, 2, 9})
         {
             const Signal<TypeParam> signal(channels, samples);
-            EXPECT_EQ(signal.numChannels, channels);
-            EXPECT_EQ(signal.numSamples, samples);
-            EXPECT_EQ(signal.data->allocatedSamples, samples);
             std::set<const void*> blocks;
             for (int c = 0; c < channels; ++c)
             {
@@ -74,7 +78,7 @@ TYPED_TEST(SignalOf, WritingClonesAllOfItWhileThereAreOtherOwners)
             EXPECT_EQ(std::as_const(copy).getChannelPtr(written), block) << "copying and reading share";
             copy.getWriteChannelPtr(written)[50] = TypeParam(-1.0f);
             EXPECT_EQ(source.data.use_count(), 1);
-            EXPECT_TRUE(this->isCounting(source, 0, 100) && this->isCounting(source, 1, 100));
+            EXPECT_TRUE(this->isCounting(source));
             EXPECT_EQ(copy.getChannelPtr(written)[50], TypeParam(-1.0f));
             EXPECT_TRUE(this->isCounting(copy, 1 - written, 100)) << "the other channel came along";
             EXPECT_TRUE(this->isCounting(copy, written, 50));
@@ -90,16 +94,14 @@ TYPED_TEST(SignalOf, EnsureDimensionsWithinTheAllocationMovesTheWindowOnly)
     const auto* block = signal.getChannelPtr(1);
 
     signal.ensureDimensions(1, 10);
-    EXPECT_EQ(signal.numChannels, 1);
-    EXPECT_EQ(signal.numSamples, 10);
     auto clone = signal;
     clone.getWriteChannelPtr(0); // a clone takes all that is allocated, not the window
     clone.ensureDimensions(2, 100);
-    EXPECT_TRUE(this->isCounting(clone, 0, 100) && this->isCounting(clone, 1, 100));
+    EXPECT_TRUE(this->isCounting(clone));
 
     signal.ensureDimensions(2, 100);
     EXPECT_EQ(signal.getChannelPtr(1), block);
-    EXPECT_TRUE(this->isCounting(signal, 0, 100) && this->isCounting(signal, 1, 100));
+    EXPECT_TRUE(this->isCounting(signal));
 
     for (const auto& [channels, samples] : {std::pair(3, 1), {1, 101}})
         for (auto larger : {signal, Signal<TypeParam>()})
@@ -111,27 +113,21 @@ TYPED_TEST(SignalOf, EnsureDimensionsWithinTheAllocationMovesTheWindowOnly)
         }
 }
 
-TEST(Signal, FilledAndEmptySignals)
+TEST(Signal, EmptySignalsTakePartInEverything)
 {
-    EXPECT_EQ(toVectors(Signal32(3, 37, 0.25f)),
-              std::vector<std::vector<float>>(3, std::vector<float>(37, 0.25f)));
-    EXPECT_EQ(Signal64(1, 5, 0.1).getChannelPtr(0)[4], 0.1);
     EXPECT_TRUE(Signal32::empty.data == nullptr && Signal64::empty.data == nullptr &&
                 ComplexSignal32::empty.data == nullptr && ComplexSignal64::empty.data == nullptr);
+    EXPECT_NO_THROW(Signal32::empty + Signal32::empty);
 
     Signal32 none(2, 0, 1.0f);
     EXPECT_EQ(none.getChannelPtr(1), nullptr);
     EXPECT_NO_THROW(none *= 2.0f);
     EXPECT_NO_THROW(none += none);
-    EXPECT_NO_THROW(Signal32::empty + Signal32::empty);
     EXPECT_EQ(ComplexSignal32(none, none).numSamples, 0);
     for (const Signal32& result :
          {Signal32(none + none), Signal32(none * none), Signal32(2.0f * none), none.toSignal64().toSignal32(),
           Signal32(Signal32::concatenate(none, none))})
-    {
-        EXPECT_EQ(result.numChannels, 2);
-        EXPECT_EQ(result.numSamples, 0);
-    }
+        EXPECT_EQ(toVectors(result), toVectors(none));
 }
 
 TEST(Signal, ArithmeticLeavesOperandsAndSharersAlone)
@@ -181,18 +177,13 @@ TEST(Signal, ConcatenateJoinsInTime)
 TEST(Signal, Conversions)
 {
     const auto signal = makeNoiseSignal(2, 37, 1), phase = makeNoiseSignal(2, 37, 2);
-    const Signal64 wide = signal.toSignal64();
-    EXPECT_EQ(toVectors(wide.toSignal32()), toVectors(signal));
+    EXPECT_EQ(toVectors(signal.toSignal64().toSignal32()), toVectors(signal));
     const ComplexSignal32 polar(signal, phase);
     for (int c = 0; c < 2; ++c)
         for (int i = 0; i < 37; ++i)
-        {
-            const auto value = static_cast<double>(signal.getChannelPtr(c)[i]);
-            const auto angle = static_cast<double>(phase.getChannelPtr(c)[i]);
-            EXPECT_EQ(wide.getChannelPtr(c)[i], value);
-            EXPECT_NEAR(polar.getChannelPtr(c)[i].real(), value * std::cos(angle), 1e-6);
-            EXPECT_NEAR(polar.getChannelPtr(c)[i].imag(), value * std::sin(angle), 1e-6);
-        }
+            EXPECT_LT(std::abs(polar.getChannelPtr(c)[i] -
+                               signal.getChannelPtr(c)[i] * std::polar(1.0f, phase.getChannelPtr(c)[i])),
+                      1e-6f);
 }
 
 } // namespace

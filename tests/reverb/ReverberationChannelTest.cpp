@@ -12,14 +12,6 @@ namespace
 {
 constexpr int length = 12000;
 
-/** A mono bus: its speaker is of the type that feeds both fronts. */
-AudioFormat makeMonoBus()
-{
-    AudioFormat format(1, 48000.0);
-    format.speakers[0].type = Mono;
-    return format;
-}
-
 const Settings tailOnly = wetOnly + Settings{{R::muteEarly, 1.0f}, {R::modulationDepth, 0.0f}};
 const Settings earlyOnly = wetOnly + Settings{{R::muteTail, 1.0f}};
 
@@ -44,6 +36,8 @@ TEST(ReverberationChannels, soundGoesWhereItsSpeakersAre)
     std::swap(swapped.speakers[0], swapped.speakers[1]);
     AudioFormat unknown = layout(2);
     unknown.speakers[1] = {};
+    AudioFormat monoBus = layout(1);
+    monoBus.speakers[0].type = Mono; // feeds both fronts
 
     struct Case
     {
@@ -56,22 +50,17 @@ TEST(ReverberationChannels, soundGoesWhereItsSpeakersAre)
     const Case cases[] = {
         {"mono", layout(1), layout(1), 0, 0b1, 0b1, 0b1},
         {"stereo, left", layout(2), layout(2), 0, 0b01, 0b11, 0b11},
-        {"stereo, right", layout(2), layout(2), 1, 0b10, 0b11, 0b11},
-        {"mono bus to stereo", makeMonoBus(), layout(2), 0, 0b11, 0b11, 0b11},
+        {"mono bus to stereo", monoBus, layout(2), 0, 0b11, 0b11, 0b11},
         {"centre to stereo has no equal speaker", layout(1), layout(2), 0, 0b00, 0b11, 0b11},
-        {"stereo to mono, left", layout(2), layout(1), 0, 0b0, 0b1, 0b1},
         {"stereo to mono, right: the tail leans left", layout(2), layout(1), 1, 0b0, 0b1, 0b0},
         {"stereo to swapped stereo", layout(2), swapped, 0, 0b10, 0b11, 0b11},
         {"unknown speaker", unknown, layout(2), 1, 0b00, 0b00, 0b00},
-        {"nine unknown speakers", layout(9), layout(9), 8, 0, 0, 0},
         {"5.1, left", layout(6), layout(6), 0, 0b000001, 0b110111, 0b110111},
         {"5.1, centre", layout(6), layout(6), 2, 0b000100, 0b110111, 0b110111},
         {"5.1, low frequency", layout(6), layout(6), 3, 0b001000, 0b000000, 0b000000},
         {"5.1, right surround", layout(6), layout(6), 5, 0b100000, 0b110111, 0b110111},
-        {"7.1 to stereo, side", layout(8), layout(2), 6, 0b00, 0b11, 0b11},
         {"7.1 to stereo, rear: no tail", layout(8), layout(2), 4, 0b00, 0b11, 0b00},
         {"stereo to 7.1", layout(2), layout(8), 0, 0b1, 0b11110111, 0b11110111},
-        {"quadraphonic", layout(4), layout(4), 2, 0b0100, 0b1111, 0b1111},
     };
     for (const auto& [name, input, output, channel, dry, early, tail] : cases)
     {
@@ -126,13 +115,6 @@ TEST(ReverberationChannels, spreadNarrowsTheWetSignal)
                 ASSERT_NEAR(narrow.getChannelPtr(c)[n], expected, 1e-6f) << spread;
             }
     }
-    // A single channel has no width.
-    const auto getMono = [](float spread)
-    {
-        const auto engine = makeEngine(1, 48000.0, wetOnly + Settings{{R::stereoSpread, spread}});
-        return toVector(render(*engine, makeImpulse(1, length, {0})), 0);
-    };
-    EXPECT_LT(maxDifference(getMono(0.0f), getMono(100.0f)), 1e-6);
 }
 
 } // namespace vesk::audio

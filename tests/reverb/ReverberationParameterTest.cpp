@@ -3,7 +3,7 @@
 #include "tests/reverb/Engine.h"
 
 #include <limits>
-#include <string>
+#include <stdexcept>
 
 namespace vesk::audio
 {
@@ -42,11 +42,9 @@ TEST(ReverberationParameters, valuesAreClampedAndRounded)
     for (const auto& [parameter, set, stored] : {Case{R::lowPassFrequency, 30000.0f, 25000.0f},
                                                  {R::lowPassFrequency, -1.0f, 200.0f},
                                                  {R::earlyPattern, 2.6f, 3.0f},
-                                                 {R::earlyPattern, 2.4f, 2.0f},
                                                  {R::earlyPattern, 99.0f, 10.0f},
                                                  {R::muteTail, 0.5f, 0.0f},
                                                  {R::muteTail, 0.51f, 1.0f},
-                                                 {R::muteTail, -3.0f, 0.0f},
                                                  {R::reverbTime, 0.0f, 0.1f},
                                                  {R::reverbTime, Limits::infinity(), 32.0f},
                                                  {R::roomSize, Limits::quiet_NaN(), 100.0f}})
@@ -58,25 +56,13 @@ TEST(ReverberationParameters, valuesAreClampedAndRounded)
 
 TEST(ReverberationParameters, unknownIndicesAreRefused)
 {
-    const auto getRefusal = [](const auto& call) -> std::string
-    {
-        try
-        {
-            call();
-        }
-        catch (const std::out_of_range& error)
-        {
-            return error.what();
-        }
-        return "none";
-    };
     Reverberation engine;
     float low = 7.0f, high = 8.0f;
     for (const int index : {-1, 26, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()})
     {
-        EXPECT_EQ(getRefusal([&] { engine.getParameterRange(index, low, high); }), "Parameter index");
-        EXPECT_EQ(getRefusal([&] { engine.getParameterValue(index); }), "Parameter index");
-        EXPECT_EQ(getRefusal([&] { engine.setParameterValue(index, 1.0f, true); }), "Parameter index");
+        EXPECT_THROW(engine.getParameterRange(index, low, high), std::out_of_range);
+        EXPECT_THROW(engine.getParameterValue(index), std::out_of_range);
+        EXPECT_THROW(engine.setParameterValue(index, 1.0f, true), std::out_of_range);
     }
     EXPECT_EQ(low, 7.0f);
     EXPECT_EQ(high, 8.0f);
@@ -103,23 +89,6 @@ TEST(ReverberationParameters, responsesAreRebuiltWhenToldSo)
         engine->setParameterValue(R::highShelfGain, 0.0f, true);
         EXPECT_DOUBLE_EQ(getWetEnergy(), before);
     }
-}
-
-/** Without channels nothing can be built; the next valid format and effectuation make up for it. */
-TEST(ReverberationParameters, formatWithoutChannelsWaits)
-{
-    Reverberation engine;
-    applySettings(engine, wetOnly + Settings{{R::muteTail, 1.0f}});
-    EXPECT_TRUE(engine.setFormat(AudioFormat(0, 48000.0), AudioFormat(0, 48000.0)));
-    engine.reset();
-    engine.setParameterValue(R::earlyLevel, 18.0f, true);
-    engine.setParameterValue(R::roomSize, 50.0f, true);
-    const AudioFormat stereo(2, 48000.0);
-    EXPECT_TRUE(engine.setFormat(stereo, stereo));
-    const auto fresh = makeEngine(
-        2, 48000.0, wetOnly + Settings{{R::muteTail, 1.0f}, {R::earlyLevel, 18.0f}, {R::roomSize, 50.0f}});
-    const Signal32 impulse = makeImpulse(2, 20000, {0});
-    EXPECT_EQ(toVector(render(engine, impulse), 0), toVector(render(*fresh, impulse), 0));
 }
 
 } // namespace vesk::audio

@@ -31,7 +31,6 @@ TEST(ReverberationTail, decaysByTheReverbTimeWithTimesOfItsOwnForLowAndHighFrequ
          {Case{0.5f, 100, 12000, 500, 1.0, 0.06},
           {1, 100, 12000, 1000, 1.0, 0.06},
           {4, 100, 12000, 500, 1.0, 0.06},
-          {4, 100, 12000, 1000, 1.0, 0.06},
           {2, 200, 12000, 63, 2.0, 0.25},
           {2, 200, 12000, 125, 1.85, 0.25},
           {2, 200, 12000, 2000, 0.91, 0.06},
@@ -81,14 +80,9 @@ TEST(ReverberationTail, equalizerShapesTheTail)
 TEST(ReverberationTail, changesUnderARunningTail)
 {
     const auto engine = makeEngine(2, rate, tailOnly + Settings{{R::modulationDepth, 0.0f}});
-    const auto excite = [&]
-    {
-        engine->reset();
-        render(*engine, makeNoiseSignal(2, 9600, 2));
-    };
+    render(*engine, makeNoiseSignal(2, 9600, 2));
     const auto getNextLevel = [&](double seconds)
     { return getLevel(getChannel(render(*engine, Signal32(2, static_cast<int>(seconds * rate), 0.0f)), 0)); };
-    excite();
     const double before = getNextLevel(0.1);
     EXPECT_GT(before, -40.0);
 
@@ -101,10 +95,6 @@ TEST(ReverberationTail, changesUnderARunningTail)
     applySettings(*engine, {{R::roomSize, 31.0f}});
     getNextLevel(0.1);
     EXPECT_LT(getPeak(getChannel(render(*engine, Signal32(2, 9600, 0.0f)), 1)), 1e-6);
-
-    excite();
-    engine->reset();
-    EXPECT_EQ(getPeak(getChannel(render(*engine, Signal32(2, 9600, 0.0f)), 1)), 0.0);
 }
 
 /** Without depth the stage is out of the path; with it a steady tone moves in pitch. */
