@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <cassert>
 #include <type_traits>
-#include <utility>
 
 namespace vesk::audio
 {
@@ -18,12 +17,6 @@ constexpr std::size_t cacheLine = 64;
 constexpr std::size_t roundUpToCacheLine(std::size_t bytes)
 {
     return (bytes + cacheLine - 1) / cacheLine * cacheLine;
-}
-
-template <typename T>
-std::shared_ptr<SignalData<T>> makeData(int channels, int samples)
-{
-    return std::allocate_shared<SignalData<T>>(PoolAllocator<SignalData<T>>(), channels, samples);
 }
 
 void fill(float value, float* dst, int n) { check(ippsSet_32f(value, dst, n)); }
@@ -39,50 +32,108 @@ bool isWithin([[maybe_unused]] const Signal<T>& inner, [[maybe_unused]] const Si
 
 //==============================================================================
 
+/** What stands behind the object: the pointers, then channel after channel. */
 template <typename T>
-SignalData<T>::SignalData(int channelCount, int sampleCount)
-    : numSamples(sampleCount), numChannels(channelCount), allocatedSamples(sampleCount)
+struct SignalData<T>::Layout
 {
-    const auto count = static_cast<std::size_t>(std::max(channelCount, 0));
-    const auto samples = static_cast<std::size_t>(std::max(sampleCount, 0));
-    if (count == 0)
-        return;
+    Layout(int channelCount, int sampleCount)
+        : numChannels(channelCount), numSamples(sampleCount),
+          count(static_cast<std::size_t>(std::max(channelCount, 0))),
+          pointerBytes(roundUpToCacheLine(count * sizeof(T*)))
+    {
+        // An odd number of lines from channel to channel: at a distance of whole pages loads of one channel would
+        // wait for stores to the other.
+        if (sampleCount > 0)
+            channelBytes =
+                (roundUpToCacheLine(static_cast<std::size_t>(sampleCount) * sizeof(T)) / cacheLine | 1) *
+                cacheLine;
+    }
 
-    // An odd number of lines from channel to channel: at a distance of whole pages loads of one channel would
-    // wait for stores to the other.
-    const auto pointerBytes = roundUpToCacheLine(count * sizeof(T*));
-    const auto channelBytes = (roundUpToCacheLine(samples * sizeof(T)) / cacheLine | 1) * cacheLine;
-    auto* block =
-        PoolAllocator<std::byte>().allocate(pointerBytes + (samples > 0 ? count * channelBytes : 0));
-    channels = {new (block) T*[count](), count};
-    if (samples > 0)
-        for (std::size_t channel = 0; channel < count; ++channel)
-            channels[channel] = reinterpret_cast<T*>(block + pointerBytes + channel * channelBytes);
+    std::size_t getBytes() const { return pointerBytes + count * channelBytes; }
+
+    int numChannels;
+    int numSamples;
+    std::size_t count;
+    std::size_t pointerBytes;
+    std::size_t channelBytes = 0;
+};
+
+/** Takes blocks that have room for so many bytes behind the object. */
+template <typename T>
+template <typename Object>
+class SignalData<T>::Allocator
+{
+public:
+    using value_type = Object;
+
+    /** @param blockRoom  receives the room of the block that is taken */
+    Allocator(std::size_t bytes, std::byte*& blockRoom) : roomBytes(bytes), room(&blockRoom) {}
+
+    template <typename Other>
+    Allocator(const Allocator<Other>& other) : roomBytes(other.roomBytes), room(other.room)
+    {
+    }
+
+    Object* allocate(std::size_t count)
+    {
+        const auto objectBytes = roundUpToCacheLine(count * sizeof(Object));
+        auto* block = PoolAllocator<std::byte>().allocate(objectBytes + roomBytes);
+        *room = block + objectBytes;
+        return reinterpret_cast<Object*>(block);
+    }
+
+    void deallocate(Object* block, std::size_t) noexcept { MemoryPool::release(block); }
+
+    bool operator==(const Allocator&) const noexcept { return true; }
+
+private:
+    template <typename Other>
+    friend class Allocator;
+
+    std::size_t roomBytes;
+    std::byte** room;
+};
+
+template <typename T>
+std::shared_ptr<SignalData<T>> SignalData<T>::create(int channelCount, int sampleCount)
+{
+    const Layout layout(channelCount, sampleCount);
+    std::byte* room = nullptr;
+    return std::allocate_shared<SignalData>(Allocator<SignalData>(layout.getBytes(), room), layout, room);
 }
 
 template <typename T>
-SignalData<T>::SignalData(const SignalData& other) : SignalData(other.numChannels, other.numSamples)
+SignalData<T>::SignalData(const Layout& layout, std::byte* const& room)
+    : numSamples(layout.numSamples), numChannels(layout.numChannels), allocatedSamples(layout.numSamples)
 {
+    if (layout.count == 0)
+        return;
+    channels = {new (room) T*[layout.count](), layout.count};
+    if (layout.channelBytes > 0)
+        for (std::size_t channel = 0; channel < layout.count; ++channel)
+            channels[channel] =
+                reinterpret_cast<T*>(room + layout.pointerBytes + channel * layout.channelBytes);
+}
+
+template <typename T>
+std::shared_ptr<SignalData<T>> SignalData<T>::clone() const
+{
+    auto copy = create(numChannels, numSamples);
     for (std::size_t channel = 0; channel < channels.size(); ++channel)
     {
         if constexpr (std::is_same_v<T, std::complex<double>>)
-            std::copy_n(other.channels[channel], numSamples, channels[channel]);
+            std::copy_n(channels[channel], numSamples, copy->channels[channel]);
         else
-            vo::copy(other.channels[channel], channels[channel], numSamples);
+            vo::copy(channels[channel], copy->channels[channel], numSamples);
     }
-}
-
-template <typename T>
-SignalData<T>::~SignalData()
-{
-    MemoryPool::release(channels.data());
+    return copy;
 }
 
 //==============================================================================
 
 template <typename T>
 Signal<T>::Signal(int channels, int samples)
-    : numChannels(channels), numSamples(samples), data(makeData<T>(channels, samples))
+    : numChannels(channels), numSamples(samples), data(SignalData<T>::create(channels, samples))
 {
 }
 
@@ -106,14 +157,14 @@ Signal<T>::Signal(int channels, int samples, T value) : Signal(channels, samples
 template <typename T>
 void Signal<T>::cloneData()
 {
-    data = std::allocate_shared<SignalData<T>>(PoolAllocator<SignalData<T>>(), std::as_const(*data));
+    data = data->clone();
 }
 
 template <typename T>
 void Signal<T>::ensureDimensions(int channels, int samples)
 {
     if (data == nullptr || data->numChannels < channels || data->numSamples < samples)
-        data = makeData<T>(channels, samples);
+        data = SignalData<T>::create(channels, samples);
     numChannels = channels;
     numSamples = samples;
 }

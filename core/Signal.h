@@ -24,30 +24,39 @@
 #include "core/MemoryPool.h"
 
 #include <complex>
+#include <cstddef>
 #include <memory>
 #include <span>
 
 namespace vesk::audio
 {
 
-/** The memory behind a signal: uninitialised samples, each channel aligned to 64 bytes. */
+/** The memory behind a signal: uninitialised samples, each channel aligned to 64 bytes. The object, the pointers and
+    all channels lie in one block, since taking and giving back is most of what a short signal costs. */
 template <typename T>
 struct SignalData
 {
-    SignalData(int channelCount, int sampleCount);
+    static std::shared_ptr<SignalData> create(int channelCount, int sampleCount);
 
     /** Copies all allocated channels and samples. */
-    SignalData(const SignalData& other);
+    std::shared_ptr<SignalData> clone() const;
+
+    SignalData(const SignalData&) = delete;
     SignalData& operator=(const SignalData&) = delete;
-    ~SignalData();
 
     int numSamples;
     int numChannels;
     int allocatedSamples;
+    std::span<T*> channels; ///< where each one starts; null pointers if there are no samples
 
-    /** Where each channel starts; null pointers if there are no samples. The pointers and all channels lie in
-        one block, since taking and giving back is most of what a short signal costs. */
-    std::span<T*> channels;
+private:
+    struct Layout;
+    template <typename Object>
+    class Allocator;
+
+public:
+    /** For create alone. */
+    SignalData(const Layout& layout, std::byte* const& room);
 };
 
 template <typename T>

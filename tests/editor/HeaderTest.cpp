@@ -1,4 +1,3 @@
-#include "editor/themes/SteelTheme.h"
 #include "tests/editor/EditorTools.h"
 
 namespace
@@ -95,24 +94,4 @@ TEST_F(HeaderTest, buttonsUndoRedoAndStepThroughThePresets)
     EXPECT_NE(processor.engineValue(2), last);
     click(button("redoButton"));
     EXPECT_EQ(processor.engineValue(2), last);
-}
-
-TEST_F(HeaderTest, themeComesFromTheSettingsAndTheMenuAndIsWrittenBack)
-{
-    const auto isSteel = [](const juce::Component& component)
-    { return dynamic_cast<SteelTheme*>(&component.getLookAndFeel()) != nullptr; };
-    for (const int stored : {0, 1, 2, -7})
-    {
-        processor.settings->setValue("ThemeId", stored);
-        const BasePluginEditor opened(&processor);
-        EXPECT_EQ(isSteel(opened), stored == 1) << stored;
-        EXPECT_EQ(processor.settings->getIntValue("ThemeId", 99), stored);
-    }
-    for (const int chosen : {1, 0})
-    {
-        PlugInEditorHeader::plugInMenuCallback(8224 + chosen, &header);
-        EXPECT_EQ(isSteel(header), chosen == 1);
-        EXPECT_EQ(processor.settings->getIntValue("ThemeId", 99), chosen);
-        EXPECT_EQ(describe(header.getPlugInMenu()).contains("8225 Brushed steel [x]"), chosen == 1);
-    }
 }
