@@ -16,8 +16,10 @@
     How it is computed. A line's memory is read a vector of samples at a time. The low-pass of order 1 is a
     prefix sum within the vector (log2 of its lanes steps) plus what the vector before has left. The matrix is
     two rounds of butterflies over four lines each: the first round closes the reading of all channels, the
-    second opens the writing, so nothing is overwritten unread. The shelf, in double precision, goes sample by
-    sample, but with lines side by side in a vector.
+    second opens the writing, so nothing is overwritten unread. The shelf goes sample by sample, but with lines side
+    by side in a vector. It is a state-variable filter (V. Zavalishin, "The art of VA filter design", 2012), whose
+    rounding errors stay small where the corner is far below the sample rate, as those of the direct forms do not:
+    there they would lift the gain of the loop above 1.
 
     Thread: one at a time for the same FeedbackLines.
 */
@@ -63,11 +65,28 @@ struct FeedbackLines
     PerLine<float> poles{};
 
     bool shelfActive = false;
-    alignas(64) std::array<PerLine<double>, 5> shelf{}; ///< b0, b1, b2, a1, a2; the b with the line's gain
 
-    // What the past adds to the coming outputs.
-    std::array<PerLine<float>, maxChannels> dampingDelays{};
-    alignas(64) std::array<std::array<PerLine<double>, 2>, maxChannels> shelfDelays{};
+    /** The shelf with the line's gain. Its states are those of the integrators, as they enter the sums:
+
+            v = input x + band - toBand low
+            y = direct x + fromBand v + low
+            the next band = bandStep v - band, the next low = low + lowStep v */
+    struct Shelf
+    {
+        alignas(64) PerLine<float> direct{}, fromBand{}, input{}, toBand{}, bandStep{}, lowStep{};
+    };
+    Shelf shelf;
+
+    std::array<PerLine<float>, maxChannels> dampingDelays{}; ///< what the past adds to the next output
+
+    struct ShelfState
+    {
+        alignas(64) PerLine<float> band{}, low{};
+    };
+    std::array<ShelfState, maxChannels> shelfStates{};
+
+private:
+    void setShelf(std::size_t line, double gain, const std::array<double, 5>& taps);
 };
 
 /** What one frame works on. */

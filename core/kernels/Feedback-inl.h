@@ -136,87 +136,75 @@ HWY_INLINE FeedbackVector sumUp(FeedbackVector x, const FeedbackLines::Steps& st
 // Blocks of four lanes are transposed, so that a block holds one sample of four lines. A sample s of a vector
 // stands in vector s % 4 of its quartet, block s / 4.
 
-using ShelfTag = hn::CappedTag<double, 8>;
-using ShelfVector = hn::VFromD<ShelfTag>;
-inline constexpr std::size_t shelfLanes = hn::MaxLanes(ShelfTag());
-
 /** The samples of as many lines as D has lanes, from the given one on. */
 template <class D>
-HWY_INLINE hn::VFromD<D> loadShelf(D d, const float (*channel)[feedbackLanes], std::size_t line,
-                                   std::size_t sample)
+HWY_INLINE hn::VFromD<D> loadAcrossLines(D d, const float (*channel)[feedbackLanes], std::size_t line,
+                                         std::size_t sample)
 {
-    const float* values = channel[line / quartet * quartet + sample % 4] + sample / 4 * 4;
-    const hn::Rebind<float, D> narrow;
     if constexpr (hn::MaxLanes(D()) > quartet)
     {
-        const hn::Half<decltype(narrow)> one;
-        const float* next = values + quartet * feedbackLanes;
-        return hn::PromoteTo(d, hn::Combine(narrow, hn::Load(one, next), hn::Load(one, values)));
+        const hn::Half<D> half;
+        return hn::Combine(d, loadAcrossLines(half, channel, line + hn::MaxLanes(half), sample),
+                           loadAcrossLines(half, channel, line, sample));
     }
     else
-        return hn::PromoteTo(d, hn::LoadU(narrow, values + line % quartet));
+        return hn::Load(d, channel[line + sample % 4] + sample / 4 * 4);
 }
 
 template <class D>
-HWY_INLINE void storeShelf(D, hn::VFromD<D> y, float (*channel)[feedbackLanes], std::size_t line,
-                           std::size_t sample)
+HWY_INLINE void storeAcrossLines(D d, hn::VFromD<D> samples, float (*channel)[feedbackLanes],
+                                 std::size_t line, std::size_t sample)
 {
-    float* values = channel[line / quartet * quartet + sample % 4] + sample / 4 * 4;
-    const hn::Rebind<float, D> narrow;
-    const auto rounded = hn::DemoteTo(narrow, y);
     if constexpr (hn::MaxLanes(D()) > quartet)
     {
-        const hn::Half<decltype(narrow)> one;
-        hn::Store(hn::LowerHalf(one, rounded), one, values);
-        hn::Store(hn::UpperHalf(one, rounded), one, values + quartet * feedbackLanes);
+        const hn::Half<D> half;
+        storeAcrossLines(half, hn::LowerHalf(half, samples), channel, line, sample);
+        storeAcrossLines(half, hn::UpperHalf(half, samples), channel, line + hn::MaxLanes(half), sample);
     }
     else
-        hn::StoreU(rounded, narrow, values + line % quartet);
+        hn::Store(samples, d, channel[line + sample % 4] + sample / 4 * 4);
 }
 
-/** The shelf of a few lines over count samples of numChannels channels: as many filters side by side as their
-    latency needs to be hidden, and as their memory fits into registers. */
+/** The shelf of a vector of lines over count samples of numChannels channels: two side by side hide the latency, and
+    fit into the registers. */
 template <std::size_t numChannels>
 HWY_INLINE void runShelf(FeedbackLines& lines, float (*values)[FeedbackLines::numLines][feedbackLanes],
-                         std::size_t firstChannel, std::size_t firstLine, std::size_t count)
+                         std::size_t firstChannel, std::size_t line, std::size_t count)
 {
-    constexpr std::size_t numVectors = 2;
-    const ShelfTag d;
-    ShelfVector taps[5][numVectors];
-    for (std::size_t k = 0; k < 5; ++k)
-        for (std::size_t v = 0; v < numVectors; ++v)
-            taps[k][v] = hn::Load(d, lines.shelf[k].data() + firstLine + v * shelfLanes);
+    const FeedbackTag d;
+    const auto& shelf = lines.shelf;
+    const auto direct = hn::Load(d, shelf.direct.data() + line);
+    const auto fromBand = hn::Load(d, shelf.fromBand.data() + line);
+    const auto input = hn::Load(d, shelf.input.data() + line);
+    const auto toBand = hn::Load(d, shelf.toBand.data() + line);
+    const auto bandStep = hn::Load(d, shelf.bandStep.data() + line);
+    const auto lowStep = hn::Load(d, shelf.lowStep.data() + line);
 
-    ShelfVector z0[numChannels][numVectors];
-    ShelfVector z1[numChannels][numVectors];
+    FeedbackVector band[numChannels];
+    FeedbackVector low[numChannels];
     for (std::size_t c = 0; c < numChannels; ++c)
-        for (std::size_t v = 0; v < numVectors; ++v)
-        {
-            const auto& delays = lines.shelfDelays[firstChannel + c];
-            z0[c][v] = hn::Load(d, delays[0].data() + firstLine + v * shelfLanes);
-            z1[c][v] = hn::Load(d, delays[1].data() + firstLine + v * shelfLanes);
-        }
-
+    {
+        const auto& state = lines.shelfStates[firstChannel + c];
+        band[c] = hn::Load(d, state.band.data() + line);
+        low[c] = hn::Load(d, state.low.data() + line);
+    }
     for (std::size_t sample = 0; sample < count; ++sample)
         for (std::size_t c = 0; c < numChannels; ++c)
-            for (std::size_t v = 0; v < numVectors; ++v)
-            {
-                auto* channel = values[firstChannel + c];
-                const std::size_t line = firstLine + v * shelfLanes;
-                const auto x = loadShelf(d, channel, line, sample);
-                const auto y = hn::MulAdd(taps[0][v], x, z0[c][v]);
-                z0[c][v] = hn::NegMulAdd(taps[3][v], y, hn::MulAdd(taps[1][v], x, z1[c][v]));
-                z1[c][v] = hn::NegMulAdd(taps[4][v], y, hn::Mul(taps[2][v], x));
-                storeShelf(d, y, channel, line, sample);
-            }
-
-    for (std::size_t c = 0; c < numChannels; ++c)
-        for (std::size_t v = 0; v < numVectors; ++v)
         {
-            auto& delays = lines.shelfDelays[firstChannel + c];
-            hn::Store(z0[c][v], d, delays[0].data() + firstLine + v * shelfLanes);
-            hn::Store(z1[c][v], d, delays[1].data() + firstLine + v * shelfLanes);
+            auto* channel = values[firstChannel + c];
+            const auto x = loadAcrossLines(d, channel, line, sample);
+            const auto v = hn::NegMulAdd(toBand, low[c], hn::MulAdd(input, x, band[c]));
+            const auto y = hn::MulAdd(fromBand, v, hn::MulAdd(direct, x, low[c]));
+            band[c] = hn::MulSub(bandStep, v, band[c]);
+            low[c] = hn::MulAdd(lowStep, v, low[c]);
+            storeAcrossLines(d, y, channel, line, sample);
         }
+    for (std::size_t c = 0; c < numChannels; ++c)
+    {
+        auto& state = lines.shelfStates[firstChannel + c];
+        hn::Store(band[c], d, state.band.data() + line);
+        hn::Store(low[c], d, state.low.data() + line);
+    }
 }
 
 /** Fills work with the shelf's outputs, in transposed blocks. */
@@ -236,12 +224,12 @@ HWY_INLINE void readThroughShelf(FeedbackLines& lines, const FeedbackFrame& fram
             for (std::size_t k = 0; k < quartet; ++k)
                 hn::Store(x[k], d, work.values[c][first + k]);
         }
-    for (std::size_t first = 0; first < FeedbackLines::numLines; first += 2 * shelfLanes)
+    for (std::size_t line = 0; line < FeedbackLines::numLines; line += feedbackLanes)
     {
         if (numChannels == 1)
-            runShelf<1>(lines, work.values, 0, first, piece.count);
+            runShelf<1>(lines, work.values, 0, line, piece.count);
         for (std::size_t c = 0; c + 1 < numChannels; c += 2)
-            runShelf<2>(lines, work.values, c, first, piece.count);
+            runShelf<2>(lines, work.values, c, line, piece.count);
     }
 }
 

@@ -69,13 +69,13 @@ inline int count(const juce::Image& image, juce::Rectangle<int> area, juce::Colo
     return found;
 }
 
-/** All items of a menu and of its sub-menus that can be chosen, one a line: id, text, and [x] if ticked. */
+/** All items of a menu and of its sub-menus that can be chosen, one a line: id and text. */
 inline juce::String describe(const juce::PopupMenu& menu)
 {
     juce::String text;
     for (juce::PopupMenu::MenuItemIterator iterator(menu, true); iterator.next();)
         if (const auto& item = iterator.getItem(); item.itemID != 0 && item.subMenu == nullptr)
-            text << item.itemID << " " << item.text << (item.isTicked ? " [x]" : "") << "\n";
+            text << item.itemID << " " << item.text << "\n";
     return text;
 }
 

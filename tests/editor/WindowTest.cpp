@@ -5,7 +5,7 @@
 
 using vesk::audio::Reverberation;
 
-TEST_F(WindowTest, controlsCanBeReachedAndReadOut)
+TEST_F(WindowTest, buttonsAndControlsCanBeReachedAndReadOut)
 {
     const auto order = window->createKeyboardFocusTraverser()->getAllComponents(window.get());
     ASSERT_EQ(order.size(), 12u) << "ten buttons and the two controls";
@@ -17,6 +17,18 @@ TEST_F(WindowTest, controlsCanBeReachedAndReadOut)
     EXPECT_EQ(fader->getTitle() + " " + fader->getTextFromValue(fader->getValue()), "Reverb mix 33 %");
     EXPECT_EQ(knob->getValueFromText("25 %"), 2.0);
     EXPECT_EQ(fader->getValueFromText("33 %"), 33.0);
+
+    juce::StringArray titles;
+    juce::RectangleList<int> taken;
+    for (auto* button : header->getChildren())
+    {
+        EXPECT_FALSE(taken.intersectsRectangle(button->getBounds())) << button->getName();
+        taken.add(button->getBounds());
+        EXPECT_TRUE(juce::CharacterFunctions::isLetter(button->getTitle()[0])) << button->getName();
+        EXPECT_FALSE(button->getMouseClickGrabsKeyboardFocus()) << "the keyboard is the host's";
+        titles.addIfNotAlreadyThere(button->getTitle());
+    }
+    EXPECT_EQ(titles.size(), 10);
 }
 
 TEST_F(WindowTest, movingAControlSetsItsPairOfEngineParameters)
@@ -59,30 +71,25 @@ TEST_F(WindowTest, changesFromTheHostShowAtTheNextTickAndPassThere)
 TEST_F(WindowTest, showingAParameterWritesBackOnlyWhatCannotBeShown)
 {
     constexpr float own = 7777.0f; // what a preset has set beside the macro
-    struct Row
-    {
-        float reverbTime;
-        double shown;
-        bool isWrittenBack;
-    };
-    const Row rows[] = {{2.37f, 2.37, false}, {8.0f, 8.0, false},   {0.5f, 0.5, false}, {3.14f, 3.14, false},
-                        {0.1f, 0.5, true},    {2.374f, 2.37, true}, {20.0f, 8.0, false}};
-
     auto engine = processor.getBaseProcessor();
-    for (const auto& row : rows)
+    for (const auto& [reverbTime, shown, isWrittenBack] : {std::tuple{2.37f, 2.37, false},
+                                                           {8.0f, 8.0, false},
+                                                           {0.5f, 0.5, false},
+                                                           {0.1f, 0.5, true},
+                                                           {2.374f, 2.37, true},
+                                                           {20.0f, 8.0, false}})
     {
         knob->setValue(5.0, juce::sendNotificationSync);
         runMessages();
-        engine->setParameterValue(Reverberation::reverbTime, row.reverbTime, false);
+        engine->setParameterValue(Reverberation::reverbTime, reverbTime, false);
         engine->setParameterValue(Reverberation::lowPassFrequency, own, true);
         window->updateParameterControls();
         runMessages();
 
-        EXPECT_DOUBLE_EQ(knob->getValue(), row.shown);
-        const auto expected = row.isWrittenBack ? static_cast<float>(row.shown) : row.reverbTime;
-        EXPECT_FLOAT_EQ(processor.engineValue(Reverberation::reverbTime), expected) << row.reverbTime;
-        EXPECT_EQ(processor.engineValue(Reverberation::lowPassFrequency) != own, row.isWrittenBack)
-            << row.reverbTime;
+        EXPECT_DOUBLE_EQ(knob->getValue(), shown);
+        EXPECT_FLOAT_EQ(processor.engineValue(Reverberation::reverbTime),
+                        isWrittenBack ? static_cast<float>(shown) : reverbTime);
+        EXPECT_EQ(processor.engineValue(Reverberation::lowPassFrequency) != own, isWrittenBack) << reverbTime;
     }
 
     // What changes again before the notification arrives is not overwritten, and shows at the next tick.
@@ -105,10 +112,16 @@ TEST_F(WindowTest, openingLeavesEveryEngineParameterAlone)
 {
     juce::Random random(11);
     auto engine = processor.getBaseProcessor();
+    const auto getValues = [&]
+    {
+        std::vector<float> values;
+        for (int parameter = 0; parameter < Reverberation::numParameters; ++parameter)
+            values.push_back(engine->getParameterValue(parameter));
+        return values;
+    };
     for (int round = 0; round < 20; ++round)
     {
         window.reset();
-        std::vector<float> before;
         for (int parameter = 0; parameter < Reverberation::numParameters; ++parameter)
         {
             float low = 0.0f, high = 0.0f;
@@ -120,14 +133,12 @@ TEST_F(WindowTest, openingLeavesEveryEngineParameterAlone)
             if (parameter == Reverberation::wetGain)
                 value = std::min(value, 0.0f);
             engine->setParameterValue(parameter, value, false);
-            before.push_back(engine->getParameterValue(parameter));
         }
+        const auto before = getValues();
         open();
         tick();
         tick();
-        for (int parameter = 0; parameter < Reverberation::numParameters; ++parameter)
-            EXPECT_EQ(engine->getParameterValue(parameter), before[static_cast<std::size_t>(parameter)])
-                << parameter;
+        EXPECT_EQ(getValues(), before);
     }
 }
 

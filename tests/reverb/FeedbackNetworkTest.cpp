@@ -25,28 +25,34 @@ FeedbackNetwork::Decay makeDecay(float reverbTime, float lowTimeScale = 100.0f, 
 class SlowNetwork
 {
 public:
-    SlowNetwork(int channels, double sampleRate, float roomSize, const FeedbackNetwork::Decay& decay)
-        : numChannels(channels), shelf(std::abs(decay.lowTimeScale - 100.0) > 1.0)
+    SlowNetwork(int channels, double rate, float roomSize) : numChannels(channels), sampleRate(rate)
     {
         const float scale = 1.0f + 4.0f * roomSize / 100.0f;
         for (int n = 0; n < 16; ++n)
         {
-            const double nominal = 1.0 / (30.0 - 1.046875 * n);
             // Rounded to single precision, which is part of the sound: it decides about whole samples.
-            const double t = scale * static_cast<float>(nominal);
-            const auto toGain = [&](double time) { return std::pow(1000.0, -t / time); };
-            gains[n] = toGain(decay.reverbTime * decay.lowTimeScale / 100.0) / 4.0;
-            shelves[n] = IirCoefficients::createHighShelf(
-                decay.crossoverFrequency, toGain(decay.reverbTime) / 4.0 / gains[n], sampleRate);
-            const double s = std::sin(std::numbers::pi * std::min(0.5, decay.dampingFrequency / sampleRate));
-            smoothing[n] = 1.0 - std::pow(s, std::pow(nominal * 30.0, std::sqrt(s)));
+            delays[n] = scale * static_cast<float>(getNominalDelay(n));
             for (int c = 0; c < channels; ++c)
             {
                 const int rank = channels == 4 ? std::array{0, 2, 1, 3}[static_cast<std::size_t>(c)] : c;
                 const double stretch =
                     std::pow(30.0 / (30.0 - 1.046875), static_cast<double>(rank) / channels);
-                rings[c][n].assign(static_cast<std::size_t>(stretch * t * sampleRate), 0.0);
+                rings[c][n].assign(static_cast<std::size_t>(stretch * delays[n] * sampleRate), 0.0);
             }
+        }
+    }
+
+    void setDecay(const FeedbackNetwork::Decay& decay)
+    {
+        shelf = std::abs(decay.lowTimeScale - 100.0) > 1.0;
+        for (int n = 0; n < 16; ++n)
+        {
+            const auto toGain = [&](double time) { return std::pow(1000.0, -delays[n] / time); };
+            gains[n] = toGain(decay.reverbTime * decay.lowTimeScale / 100.0) / 4.0;
+            shelves[n] = IirCoefficients::createHighShelf(
+                decay.crossoverFrequency, toGain(decay.reverbTime) / 4.0 / gains[n], sampleRate);
+            const double s = std::sin(std::numbers::pi * std::min(0.5, decay.dampingFrequency / sampleRate));
+            smoothing[n] = 1.0 - std::pow(s, std::pow(getNominalDelay(n) * 30.0, std::sqrt(s)));
         }
     }
 
@@ -77,6 +83,8 @@ public:
     }
 
 private:
+    static double getNominalDelay(int n) { return 1.0 / (30.0 - 1.046875 * n); }
+
     static double mix(const double* lines, unsigned row)
     {
         double sum = 0.0;
@@ -96,11 +104,15 @@ private:
             z[1] = (b[2] * x - a[2] * y) / a[0];
             x = y;
         }
-        return damped[c][n] += (1.0 - smoothing[n]) * (x - damped[c][n]);
+        const double y = (1.0 - smoothing[n]) * x + damped[c][n];
+        damped[c][n] = smoothing[n] * y;
+        return y;
     }
 
     int numChannels;
-    bool shelf;
+    double sampleRate;
+    bool shelf = false;
+    double delays[16];
     double gains[16];
     double smoothing[16];
     IirCoefficients shelves[16];
@@ -137,7 +149,9 @@ TEST_P(FeedbackNetworkKernel, equalsTheNetworkComputedSampleBySample)
     {
         SCOPED_TRACE(testing::Message() << channels << " channels at " << sampleRate);
         const Signal32 input = makeNoiseSignal(channels, static_cast<int>(0.4 * sampleRate), 7);
-        const auto expected = SlowNetwork(channels, sampleRate, roomSize, decay).process(input);
+        SlowNetwork slow(channels, sampleRate, roomSize);
+        slow.setDecay(decay);
+        const auto expected = slow.process(input);
 
         FeedbackNetwork network;
         network.setLines(channels, sampleRate, roomSize);
@@ -155,6 +169,32 @@ TEST_P(FeedbackNetworkKernel, equalsTheNetworkComputedSampleBySample)
                 EXPECT_LT(maxDifference(getChannel(output, c), expected[static_cast<std::size_t>(c)]), 3e-5)
                     << "blocks of " << lengths.front();
             }
+        }
+    }
+}
+
+TEST_P(FeedbackNetworkKernel, goesOnWithWhatItRemembersWhenTheDecayChanges)
+{
+    constexpr double sampleRate = 96000.0;
+    FeedbackNetwork network;
+    network.setLines(2, sampleRate, 0.0f);
+    SlowNetwork slow(2, sampleRate, 0.0f);
+    const Signal32 input = makeNoiseSignal(2, static_cast<int>(0.1 * sampleRate), 3);
+    for (const FeedbackNetwork::Decay& decay : {FeedbackNetwork::Decay{2.0f, 150.0f, 50.0f, noDamping},
+                                                {0.5f, 40.0f, 4000.0f, 3000.0f},
+                                                {8.0f, 100.0f, 250.0f, noDamping}, // the shelf's memory rests
+                                                {1.0f, 102.0f, 80.0f, noDamping},
+                                                {32.0f, 200.0f, 15000.0f, 9000.0f}})
+    {
+        network.setDecay(decay);
+        slow.setDecay(decay);
+        const Signal32 output = network.process(input);
+        const auto expected = slow.process(input);
+        for (int c = 0; c < 2; ++c)
+        {
+            EXPECT_GT(getPeak(getChannel(output, c)), 0.1);
+            EXPECT_LT(maxDifference(getChannel(output, c), expected[static_cast<std::size_t>(c)]), 3e-5)
+                << "crossover " << decay.crossoverFrequency;
         }
     }
 }
