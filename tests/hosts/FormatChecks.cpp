@@ -184,6 +184,27 @@ void checkBypass(PlugIn& plugIn, Checks& checks)
     plugIn.stop();
 }
 
+/** A broken plug-in in front of this one must not silence it for good. */
+void checkBrokenInput(PlugIn& plugIn, Checks& checks)
+{
+    plugIn.start(usualRate, usualBlock);
+    Noise noise;
+    for (const float bad : {NAN, INFINITY, -INFINITY})
+    {
+        auto block = noise.make(usualBlock);
+        block.setSample(0, 100, bad);
+        block.setSample(1, usualBlock - 1, bad);
+        auto loudest = getPeak(play(plugIn, block));
+        for (int i = 0; i < 20; ++i)
+            loudest = std::max(loudest, getPeak(play(plugIn, noise.make(usualBlock))));
+        block.clear();
+        const float tail = getPeak(play(plugIn, block));
+        checks.expect(loudest < loudestOutput && tail < loudestOutput && tail > 0.01f * noiseAmplitude,
+                      "the reverb keeps its level and rings on behind " + std::to_string(bad));
+    }
+    plugIn.stop();
+}
+
 /** Forty at once, playing on while others go. */
 void checkInstances(const Loader& load, Checks& checks)
 {
@@ -220,6 +241,7 @@ int checkFormat(const Loader& load, int numPresets)
     checks.expect(plugIn->getNumPrograms() == numPresets, "each preset is a program");
     checkRatesAndBlocks(load, checks);
     checkBypass(*plugIn, checks);
+    checkBrokenInput(*plugIn, checks);
     checkAutomationAndState(*plugIn, checks);
     checkInstances(load, checks);
     return checks.failures;
