@@ -124,11 +124,12 @@ private:
     void updatePartitionSizes();
     void updatePartitions();
     int getTailSliceSize() const;
+    int getResponsesEnd() const;
     int getTailOffset() const;
     int countHeadSlices(int size) const;
     void updateTail();
     void choosePlayers();
-    void setPlaying(Partition& partition, bool plays);
+    void setPlaying(Partition& partition, bool plays, int numSlices = 1);
     void shareSpectra();
     int getLookBack() const;
     void updateBlockSize(int length);
@@ -270,7 +271,7 @@ public:
     int fftSize; ///< twice the partition's size
     int impulseResponseLength = 0;
     bool active = true;    ///< the head does not take this slice's place
-    bool playing = false;  ///< and neither the head's later slices nor a tail play it
+    bool playing = false;  ///< and none of the head, the tail and the partition before plays it
     bool upToDate = false; ///< it has the present responses
     std::vector<SignalQueue<Signal32>, PoolAllocator<SignalQueue<Signal32>>> queues;
     std::vector<Spectrum, PoolAllocator<Spectrum>>

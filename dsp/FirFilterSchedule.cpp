@@ -17,6 +17,9 @@ constexpr int mostTailSlices = 24;
 /** With this many slices the head's products cost as much as the partitions that they save. */
 constexpr int mostHeadSlices = 8;
 
+/** With a few slices more a partition plays the next one, too, for less than that one's transforms. */
+constexpr int mostSlicesInPlace = 3;
+
 int getEnd(const FirFilter::Partition& partition) { return partition.offset + partition.getSize(); }
 } // namespace
 
@@ -86,6 +89,15 @@ int FirFilter::getTailSliceSize() const
     return size;
 }
 
+/** The last partition can be longer than what is left for it. */
+int FirFilter::getResponsesEnd() const
+{
+    int end = 0;
+    for (const auto& response : impulseResponses)
+        end = std::max(end, response.numSamples);
+    return std::min(end, getEnd(*partitions.back()));
+}
+
 /** Where a tail starts, if there is one: its slices are no longer than half its offset, so that it has a frame's
     time to work. A tail of a single slice would save nothing. */
 int FirFilter::getTailOffset() const
@@ -93,7 +105,7 @@ int FirFilter::getTailOffset() const
     const int size = getTailSliceSize();
     const auto first = std::find_if(partitions.begin(), partitions.end(),
                                     [=](const auto& partition) { return partition->offset >= 2 * size; });
-    const bool isLong = first != partitions.end() && getEnd(*partitions.back()) - (*first)->offset > size;
+    const bool isLong = first != partitions.end() && getResponsesEnd() - (*first)->offset > size;
     return isLong ? (*first)->offset : noTail;
 }
 
@@ -113,7 +125,7 @@ int FirFilter::countHeadSlices(int size) const
         if (size > sliceSize || (partition->offset < size && partitionEnd > size))
             return std::max(headLength / size, 1);
         if (partitionEnd <= longest && (isAll || partitionEnd % size == 0))
-            end = std::max(end, partitionEnd);
+            end = std::max(end, std::min(partitionEnd, getResponsesEnd()));
     }
     return (end + size - 1) / size;
 }
@@ -128,7 +140,7 @@ void FirFilter::updateTail()
         return;
     }
     const int size = getTailSliceSize();
-    const int numSlices = (getEnd(*partitions.back()) - offset + size - 1) / size;
+    const int numSlices = (getResponsesEnd() - offset + size - 1) / size;
     if (tail == nullptr || tail->getSize() != size || tail->offset != offset)
         tail = std::make_unique<Partition>(numChannels, numImpulseResponses, offset, size, numSlices);
     else
@@ -142,25 +154,47 @@ void FirFilter::choosePlayers()
     const int headSize = std::max(blockPartitionSize, headLength);
     const int headEnd = head != nullptr ? head->numSlices * head->getSize() : headLength;
     const bool tailPlays = tail != nullptr && blockPartitionSize < tail->getSize();
-
-    for (auto& partition : partitions)
+    const int responsesEnd = partitions.empty() ? 0 : getResponsesEnd();
+    const auto isPlayed = [&](const Partition& partition)
     {
-        const bool isInHead = partition->offset >= headSize && getEnd(*partition) <= headEnd;
-        const bool isInTail = tailPlays && partition->offset >= tail->offset;
-        setPlaying(*partition, partition->active && !isInHead && !isInTail);
+        const bool isInHead =
+            partition.offset >= headSize && std::min(getEnd(partition), responsesEnd) <= headEnd;
+        const bool isInTail = tailPlays && partition.offset >= tail->offset;
+        return partition.active && !isInHead && !isInTail;
+    };
+
+    for (auto next = partitions.begin(); next != partitions.end();)
+    {
+        auto& partition = **next++;
+        const bool plays = isPlayed(partition);
+        int numSlices = 1;
+        for (; plays && next != partitions.end() && isPlayed(**next); ++next)
+        {
+            const int length = getEnd(**next) - partition.offset;
+            if (length % partition.getSize() != 0 || length > mostSlicesInPlace * partition.getSize())
+                break;
+            numSlices = length / partition.getSize();
+            setPlaying(**next, false);
+        }
+        setPlaying(partition, plays, numSlices);
     }
     if (tail != nullptr)
-        setPlaying(*tail, tailPlays);
+        setPlaying(*tail, tailPlays, tail->numSlices);
     shareSpectra();
 }
 
-void FirFilter::setPlaying(Partition& partition, bool plays)
+void FirFilter::setPlaying(Partition& partition, bool plays, int numSlices)
 {
-    if (plays && !partition.playing)
+    if (plays && (!partition.playing || partition.numSlices != numSlices))
     {
-        // What was queued before the pause belongs to another time: it goes on from the history.
+        // What was queued belongs to another time or to other slices: it goes on from the history.
         partition.reset();
         partition.alignFrames(position);
+    }
+    if (plays && partition.numSlices != numSlices)
+    {
+        partition.setNumSlices(numSlices);
+        partition.upToDate = false;
     }
     if (plays && !partition.upToDate)
         partition.setImpulseResponses(impulseResponses);

@@ -163,17 +163,6 @@ TEST(Signal, ArithmeticLeavesOperandsAndSharersAlone)
     EXPECT_EQ(std::pair(toVectors(a), toVectors(b)), originals);
 }
 
-TEST(Signal, ConcatenateJoinsInTime)
-{
-    const auto whole = makeNoiseSignal(2, 5, 1);
-    for (const int cut : {0, 1, 4, 5})
-    {
-        const Signal32 joined = Signal32::concatenate(slice(whole, 0, cut), slice(whole, cut, 5 - cut));
-        EXPECT_EQ(toVectors(joined), toVectors(whole)) << cut;
-    }
-    EXPECT_NE(Signal32::concatenate(whole, Signal32(2, 0)).data, whole.data);
-}
-
 TEST(Signal, Conversions)
 {
     const auto signal = makeNoiseSignal(2, 37, 1), phase = makeNoiseSignal(2, 37, 2);

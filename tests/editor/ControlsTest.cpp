@@ -57,26 +57,19 @@ private:
 
 TEST(ParameterSliderTest, fineDragIsAQuarterStepPerPixelAndLosesNoWay)
 {
-    struct Row
-    {
-        juce::Slider::SliderStyle style;
-        juce::Point<float> movement;
-        double change;
-    };
-    const Row rows[] = {{juce::Slider::RotaryVerticalDrag, {30.0f, -8.5f}, 1.0625},
-                        {juce::Slider::LinearVertical, {9.0f, -2.0f}, 0.25},
-                        {juce::Slider::RotaryHorizontalDrag, {-8.0f, 30.0f}, -1.0},
-                        {juce::Slider::LinearHorizontal, {12.0f, 1.0f}, 1.5}};
-
-    for (const auto& row : rows)
+    using juce::Slider, juce::Point;
+    for (const auto& [style, movement, change] :
+         {std::tuple{Slider::RotaryVerticalDrag, Point{30.0f, -8.5f}, 1.0625},
+          {Slider::LinearVertical, Point{9.0f, -2.0f}, 0.25},
+          {Slider::RotaryHorizontalDrag, Point{-8.0f, 30.0f}, -1.0},
+          {Slider::LinearHorizontal, Point{12.0f, 1.0f}, 1.5}})
         for (const int modifier : {ctrl, alt})
         {
-            Knob knob(row.style);
+            Knob knob(style);
             knob.press();
-            knob.drag((row.movement * 0.5f).roundToInt().toFloat(), modifier); // may come too soon
+            knob.drag((movement * 0.5f).roundToInt().toFloat(), modifier); // may come too soon
             waitForFineStep();
-            EXPECT_NEAR(knob.drag(row.movement, modifier), row.change, 1.0e-6)
-                << row.style << " with " << modifier;
+            EXPECT_NEAR(knob.drag(movement, modifier), change, 1.0e-6) << style << " with " << modifier;
         }
 
     // Without the modifier, or with shift, the library drags from where the button went down: 250 pixels a range.
@@ -137,19 +130,14 @@ TEST(KeyboardStepsTest, movesAlongTheWayAndPassesOtherKeysOn)
     { return keys.keyPressed(juce::KeyPress(code, juce::ModifierKeys(modifiers), 0), &knob); };
     const auto valueAt = [](double position) { return 0.5 + 7.5 * position * position; };
 
-    struct Row
-    {
-        int key;
-        double value, tolerance;
-    };
-    const Row rows[] = {
-        {juce::KeyPress::upKey, 0.51, 0.0}, // one interval, where that is more than 1 % of the way
-        {juce::KeyPress::endKey, 8.0, 0.0},
-        {juce::KeyPress::rightKey, 8.0, 0.0},
-        {juce::KeyPress::pageDownKey, valueAt(0.9), 0.02},
-        {juce::KeyPress::leftKey, valueAt(0.89), 0.02},
-        {juce::KeyPress::homeKey, 0.5, 0.0}};
-    for (const auto& [key, value, tolerance] : rows)
+    using Key = juce::KeyPress;
+    for (const auto& [key, value, tolerance] :
+         {std::tuple{Key::upKey, 0.51, 0.0}, // one interval, where that is more than 1 % of the way
+          {Key::endKey, 8.0, 0.0},
+          {Key::rightKey, 8.0, 0.0},
+          {Key::pageDownKey, valueAt(0.9), 0.02},
+          {Key::leftKey, valueAt(0.89), 0.02},
+          {Key::homeKey, 0.5, 0.0}})
     {
         EXPECT_TRUE(press(key)) << value;
         EXPECT_NEAR(knob.getValue(), value, tolerance);

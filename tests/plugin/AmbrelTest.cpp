@@ -39,29 +39,32 @@ TEST_F(AmbrelTest, HasTwoParametersWithTheEnginesDefaults)
     EXPECT_NEAR(engineValue(Reverberation::wetGain), 17.78f, 0.01f);
 }
 
-TEST_F(AmbrelTest, CharacterMovesTimeAndBrightnessAndMixCrossfadesAmplitudes)
+TEST_F(AmbrelTest, CharacterMovesTimeAndBrightness)
 {
-    struct Row
+    for (const auto& [x, time, frequency, readBack] : {std::tuple{0.0f, 0.1f, 10000.0f, 0.0125f},
+                                                       {0.25f, 2.0f, 1666.667f, 0.25f},
+                                                       {1.0f, 8.0f, 476.1905f, 1.0f}})
     {
-        int index;
-        float x;
-        float first;  ///< reverbTime or wetGain
-        float second; ///< lowPassFrequency or dryGain
-        float readBack;
-    };
+        plugIn.setParameter(0, x);
+        EXPECT_NEAR(engineValue(Reverberation::reverbTime), time, 1e-6f);
+        EXPECT_NEAR(engineValue(Reverberation::lowPassFrequency), frequency, 1e-6f * frequency);
+        EXPECT_NEAR(plugIn.getParameter(0), readBack, 1e-6f) << x;
+    }
+}
+
+TEST_F(AmbrelTest, MixCrossfadesAmplitudes)
+{
     const float least = std::pow(10.0f, -48.0f / 20.0f);
-    for (const auto& row : {Row{0, 0.0f, 0.1f, 10000.0f, 0.0125f}, Row{0, 0.25f, 2.0f, 1666.667f, 0.25f},
-                            Row{0, 1.0f, 8.0f, 476.1905f, 1.0f}, Row{1, 0.0f, -48.0f, 0.0f, least},
-                            Row{1, 0.25f, -12.0412f, -2.49878f, 0.25f}, Row{1, 1.0f, 0.0f, -48.0f, 1.0f},
-                            Row{1, 1.25f, 1.9382f, -48.0f, 1.25f}, Row{1, -0.5f, -48.0f, 3.52183f, least}})
+    for (const auto& [x, wet, dry, readBack] : {std::tuple{0.0f, -48.0f, 0.0f, least},
+                                                {0.25f, -12.0412f, -2.49878f, 0.25f},
+                                                {1.0f, 0.0f, -48.0f, 1.0f},
+                                                {1.25f, 1.9382f, -48.0f, 1.25f},
+                                                {-0.5f, -48.0f, 3.52183f, least}})
     {
-        plugIn.setParameter(row.index, row.x);
-        const bool isMix = row.index == 1;
-        const auto first = isMix ? Reverberation::wetGain : Reverberation::reverbTime;
-        const auto second = isMix ? Reverberation::dryGain : Reverberation::lowPassFrequency;
-        EXPECT_NEAR(engineValue(first), row.first, isMix ? 1e-4f : 1e-6f) << row.x;
-        EXPECT_NEAR(engineValue(second), row.second, isMix ? 1e-4f : 1e-6f * row.second) << row.x;
-        EXPECT_NEAR(plugIn.getParameter(row.index), row.readBack, 1e-6f) << row.x;
+        plugIn.setParameter(1, x);
+        EXPECT_NEAR(engineValue(Reverberation::wetGain), wet, 1e-4f);
+        EXPECT_NEAR(engineValue(Reverberation::dryGain), dry, 1e-4f);
+        EXPECT_NEAR(plugIn.getParameter(1), readBack, 1e-6f) << x;
     }
 }
 

@@ -7,18 +7,16 @@ TEST(ParametersTest, MapsLinearlyAndLogarithmically)
     TestPlugIn plugIn;
     EXPECT_EQ(plugIn.getParameterDefaultValue(0), 0.25f);
     EXPECT_NEAR(plugIn.getParameterDefaultValue(1), 0.566323f, 1e-6f);
-    struct Row
+    for (const auto& [index, normalized, engineValue] : {std::tuple{0, 0.25f, 25.0f},
+                                                         {0, 1.0f, 100.0f},
+                                                         {1, 0.0f, 20.0f},
+                                                         {1, 0.5f, 632.4555f},
+                                                         {1, 1.0f, 20000.0f},
+                                                         {2, 1.0f, 1.0f}})
     {
-        int index;
-        float normalized;
-        float engineValue;
-    };
-    for (const auto& row : {Row{0, 0.25f, 25.0f}, Row{0, 1.0f, 100.0f}, Row{1, 0.0f, 20.0f},
-                            Row{1, 0.5f, 632.4555f}, Row{1, 1.0f, 20000.0f}, Row{2, 1.0f, 1.0f}})
-    {
-        plugIn.setParameter(row.index, row.normalized);
-        EXPECT_NEAR(plugIn.engine.getParameterValue(row.index), row.engineValue, 1e-6f * row.engineValue);
-        EXPECT_NEAR(plugIn.getParameter(row.index), row.normalized, 1e-6f);
+        plugIn.setParameter(index, normalized);
+        EXPECT_NEAR(plugIn.engine.getParameterValue(index), engineValue, 1e-6f * engineValue);
+        EXPECT_NEAR(plugIn.getParameter(index), normalized, 1e-6f);
     }
 }
 

@@ -66,13 +66,10 @@ TEST(SettingsTest, TheEnvironmentTellsTheLanguage)
 {
     const Translation german("Environment", "de", "Zurueck");
     const Translation french("Environment", "fr", "Annuler");
-    struct Row
-    {
-        const char *all, *messages, *language, *undo;
-    };
-    for (const auto& [all, messages, language, undo] :
-         {Row{"", "de_AT.UTF-8", "", "Zurueck"}, Row{"fr_FR", "de_AT.UTF-8", "", "Annuler"},
-          Row{"C.UTF-8", "", "pt_BR:fr@euro:de", "Annuler"}, Row{"C", "de_DE", "de", "Undo"}})
+    for (const auto& [all, messages, language, undo] : {std::tuple{"", "de_AT.UTF-8", "", "Zurueck"},
+                                                        {"fr_FR", "de_AT.UTF-8", "", "Annuler"},
+                                                        {"C.UTF-8", "", "pt_BR:fr@euro:de", "Annuler"},
+                                                        {"C", "de_DE", "de", "Undo"}})
     {
         setenv("LC_ALL", all, 1);
         setenv("LC_MESSAGES", messages, 1);

@@ -39,34 +39,30 @@ std::string wavFile(int format, int channels, int rate, int bits, const std::str
 
 TEST(AudioFileReader, readsEveryFormatInBlocksAndThenSilence)
 {
-    struct Row
-    {
-        const char* name;
-        int channels;
-        int bits;
-        float tolerance;
-    };
-    const Row rows[] = {{"a.wav", 1, 8, 0.008f},    {"a.wav", 2, 16, 3.1e-5f},  {"a.wav", 1, 32, 0.0f},
-                        {"a.aiff", 2, 16, 3.1e-5f}, {"a.flac", 2, 16, 3.1e-5f}, {"a.ogg", 2, 32, 0.15f}};
     constexpr int length = 10000;
     constexpr int blockSize = 768;
-    for (const Row& row : rows)
+    for (const auto& [name, channels, bits, tolerance] : {std::tuple{"a.wav", 1, 8, 0.008f},
+                                                          {"a.wav", 2, 16, 3.1e-5f},
+                                                          {"a.wav", 1, 32, 0.0f},
+                                                          {"a.aiff", 2, 16, 3.1e-5f},
+                                                          {"a.flac", 2, 16, 3.1e-5f},
+                                                          {"a.ogg", 2, 32, 0.15f}})
     {
-        SCOPED_TRACE(row.name + std::to_string(row.bits));
+        SCOPED_TRACE(name + std::to_string(bits));
         const TemporaryFolder folder;
-        const auto sine = createSine(row.channels, length, 997.0, 44100.0);
-        AudioFileReader file(writeAudio(folder.path(row.name), sine, 44100.0, row.bits));
-        EXPECT_EQ(file.getNumChannels(), row.channels);
+        const auto sine = createSine(channels, length, 997.0, 44100.0);
+        AudioFileReader file(writeAudio(folder.path(name), sine, 44100.0, bits));
+        EXPECT_EQ(file.getNumChannels(), channels);
         EXPECT_EQ(file.getSampleRate(), 44100.0);
         ASSERT_EQ(file.getNumSamples(), length);
 
-        juce::AudioBuffer<float> whole(row.channels, 15 * blockSize);
+        juce::AudioBuffer<float> whole(channels, 15 * blockSize);
         for (int start = 0; start < whole.getNumSamples(); start += blockSize)
         {
-            juce::AudioBuffer<float> block(whole.getArrayOfWritePointers(), row.channels, start, blockSize);
+            juce::AudioBuffer<float> block(whole.getArrayOfWritePointers(), channels, start, blockSize);
             file.read(block);
         }
-        EXPECT_LE(largestDifference(sine, whole, length), row.tolerance);
+        EXPECT_LE(largestDifference(sine, whole, length), tolerance);
         EXPECT_EQ(whole.getMagnitude(length, whole.getNumSamples() - length), 0.0f);
     }
 }
@@ -143,35 +139,29 @@ TEST(AudioFileReader, takesWhatIsThereIfTheLengthWasNotKnown)
 
 TEST(AudioFileWriter, writesEveryWidthAsAsked)
 {
-    struct Row
+    // With dither up to one and a half steps.
+    for (const auto& [name, bits, tolerance] : {std::tuple{"a.wav", 16, 1.5f / 32768.0f},
+                                                {"a.wav", 24, 0.5f / 8388608.0f},
+                                                {"a.wav", 32, 0.0f},
+                                                {"a.flac", 16, 1.5f / 32768.0f},
+                                                {"A.FLAC", 24, 0.5f / 8388608.0f}})
     {
-        const char* name;
-        int bits;
-        float tolerance; ///< with dither up to one and a half steps
-    };
-    const Row rows[] = {{"a.wav", 16, 1.5f / 32768.0f},
-                        {"a.wav", 24, 0.5f / 8388608.0f},
-                        {"a.wav", 32, 0.0f},
-                        {"a.flac", 16, 1.5f / 32768.0f},
-                        {"A.FLAC", 24, 0.5f / 8388608.0f}};
-    for (const Row& row : rows)
-    {
-        SCOPED_TRACE(row.name + std::to_string(row.bits));
+        SCOPED_TRACE(name + std::to_string(bits));
         const TemporaryFolder folder;
         const auto noise = createNoise(2, 5000);
-        AudioFileWriter file(folder.path(row.name), 96000.0, 2, row.bits);
+        AudioFileWriter file(folder.path(name), 96000.0, 2, bits);
         file.write(noise, 0, 1);
         file.write(noise, 1, 4999);
-        EXPECT_FALSE(folder.contains(row.name)) << "must not appear before it is whole";
+        EXPECT_FALSE(folder.contains(name)) << "must not appear before it is whole";
         file.commit();
 
         EXPECT_EQ(folder.count(), 1);
-        const ReadAudio audio = readAudio(folder.path(row.name));
+        const ReadAudio audio = readAudio(folder.path(name));
         ASSERT_EQ(audio.samples.getNumSamples(), 5000);
         EXPECT_EQ(audio.rate, 96000.0);
-        EXPECT_EQ(audio.bits, row.bits);
-        EXPECT_EQ(audio.isFloat, row.bits == 32);
-        EXPECT_LE(largestDifference(noise, audio.samples, 5000), row.tolerance * 1.001f);
+        EXPECT_EQ(audio.bits, bits);
+        EXPECT_EQ(audio.isFloat, bits == 32);
+        EXPECT_LE(largestDifference(noise, audio.samples, 5000), tolerance * 1.001f);
         EXPECT_EQ(file.getNumClipped(), 0);
     }
 }

@@ -56,29 +56,22 @@ double energyOf(std::span<const float> samples)
 
 TEST(OctaveFilter, passesItsOctaveAndNothingElse)
 {
-    struct Row
-    {
-        double ratio; ///< of the frequency to the centre
-        double lowest;
-        double highest;
-    };
-    const Row rows[] = {{1.0, -0.05, 0.05},
-                        {std::numbers::sqrt2, -3.4, -2.6},
-                        {1.0 / std::numbers::sqrt2, -3.4, -2.6},
-                        {2.0, -60.0, -18.0},
-                        {0.25, -120.0, -38.0}};
     for (const double centre : {63.0, 1000.0, 8000.0})
-        for (const Row& row : rows)
+        for (const auto& [ratio, lowest, highest] : {std::tuple{1.0, -0.05, 0.05},
+                                                     {std::numbers::sqrt2, -3.4, -2.6},
+                                                     {1.0 / std::numbers::sqrt2, -3.4, -2.6},
+                                                     {2.0, -60.0, -18.0},
+                                                     {0.25, -120.0, -38.0}})
         {
-            const auto sine = createSine(1, 96000, centre * row.ratio, rate, 1.0f);
+            const auto sine = createSine(1, 96000, centre * ratio, rate, 1.0f);
             const std::span<const float> samples(sine.getReadPointer(0), 96000);
             const OctaveFilter filter(centre, rate);
             for (const auto& band : {filter.filter(samples), filter.filterReversed(samples)})
             {
                 const double gain =
                     10.0 * std::log10(energyOf(std::span(band).subspan(24000, 48000)) / 24000.0);
-                EXPECT_GE(gain, row.lowest) << centre << " Hz, ratio " << row.ratio;
-                EXPECT_LE(gain, row.highest) << centre << " Hz, ratio " << row.ratio;
+                EXPECT_GE(gain, lowest) << centre << " Hz, ratio " << ratio;
+                EXPECT_LE(gain, highest) << centre << " Hz, ratio " << ratio;
             }
         }
     EXPECT_TRUE(OctaveFilter::canMeasure(8000.0, 44100.0));

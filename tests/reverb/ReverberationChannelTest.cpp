@@ -76,21 +76,6 @@ TEST(ReverberationChannels, soundGoesWhereItsSpeakersAre)
     }
 }
 
-/** Panning is of equal power, and the same on the way in and out of the tail. */
-TEST(ReverberationChannels, tailIsPannedByPosition)
-{
-    const auto render51 = [](std::initializer_list<int> inputs)
-    { return render(*makeEngine(6, 48000.0, tailOnly), makeImpulse(6, length, inputs)); };
-    const Signal32 centre = render51({2});
-    const Signal32 fronts = render51({0, 1});
-    for (const int o : {0, 1, 2, 4, 5})
-        EXPECT_LT(maxDifference(getChannel(centre, o), getChannel(std::sqrt(0.5f) * fronts, o)), 1e-6);
-    // The centre speaker is half-way between the two front corners of the tail.
-    for (int n = 0; n < length; ++n)
-        ASSERT_NEAR(fronts.getChannelPtr(2)[n],
-                    std::sqrt(0.5f) * (fronts.getChannelPtr(0)[n] + fronts.getChannelPtr(1)[n]), 1e-5f);
-}
-
 TEST(ReverberationChannels, spreadNarrowsTheWetSignal)
 {
     // L R LFE: the sum is normalised by all three channels, the low-frequency channel stays out.

@@ -10,12 +10,7 @@ using R = Reverberation;
 
 TEST(ReverberationFrame, restsAfterTwiceTheLongestTimeOfSilence)
 {
-    struct Case
-    {
-        float reverbTime, lowTimeScale, preDelay;
-        double limit;
-    };
-    for (const auto& [reverbTime, lowTimeScale, preDelay, limit] : {Case{0.1f, 100, 0, 0.2},
+    for (const auto& [reverbTime, lowTimeScale, preDelay, limit] : {std::tuple{0.1f, 100.0f, 0.0f, 0.2},
                                                                     {0.1f, 200, 0, 0.4},
                                                                     {0.1f, 50, 0, 0.2},
                                                                     {0.1f, 100, 50, 0.3},

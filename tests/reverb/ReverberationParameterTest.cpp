@@ -33,13 +33,8 @@ TEST(ReverberationParameters, startWithinTheirRangesAndSurviveFormatsAndResets)
 TEST(ReverberationParameters, valuesAreClampedAndRounded)
 {
     using Limits = std::numeric_limits<float>;
-    struct Case
-    {
-        R::Parameter parameter;
-        float set, stored;
-    };
     Reverberation engine;
-    for (const auto& [parameter, set, stored] : {Case{R::lowPassFrequency, 30000.0f, 25000.0f},
+    for (const auto& [parameter, set, stored] : {std::tuple{R::lowPassFrequency, 30000.0f, 25000.0f},
                                                  {R::lowPassFrequency, -1.0f, 200.0f},
                                                  {R::earlyPattern, 2.6f, 3.0f},
                                                  {R::earlyPattern, 99.0f, 10.0f},

@@ -22,13 +22,8 @@ Signal32 getResponse(const Settings& settings, double seconds)
 
 TEST(ReverberationTail, decaysByTheReverbTimeWithTimesOfItsOwnForLowAndHighFrequencies)
 {
-    struct Case
-    {
-        float reverbTime, lowTimeScale, damping;
-        double octave, relativeTime, tolerance;
-    };
     for (const auto& [reverbTime, lowTimeScale, damping, octave, relativeTime, tolerance] :
-         {Case{0.5f, 100, 12000, 500, 1.0, 0.06},
+         {std::tuple{0.5f, 100.0f, 12000.0f, 500.0, 1.0, 0.06},
           {1, 100, 12000, 1000, 1.0, 0.06},
           {4, 100, 12000, 500, 1.0, 0.06},
           {2, 200, 12000, 63, 2.0, 0.25},

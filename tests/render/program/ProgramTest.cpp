@@ -39,17 +39,11 @@ protected:
 
 TEST_F(Program, rendersFilesWithATail)
 {
-    struct Row
-    {
-        const char* input;
-        int channels, bits;
-        double rate;
-        const char* output;
-        int outputBits;
-    };
     for (const auto& [input, channels, bits, rate, output, outputBits] :
-         {Row{"a.wav", 1, 16, 44100.0, "b.wav", 24}, Row{"a.wav", 2, 16, 8000.0, "b.wav", 32},
-          Row{"a.flac", 2, 24, 96000.0, "b.flac", 24}, Row{"a.ogg", 2, 32, 48000.0, "b.wav", 16}})
+         {std::tuple{"a.wav", 1, 16, 44100.0, "b.wav", 24},
+          {"a.wav", 2, 16, 8000.0, "b.wav", 32},
+          {"a.flac", 2, 24, 96000.0, "b.flac", 24},
+          {"a.ogg", 2, 32, 48000.0, "b.wav", 16}})
     {
         SCOPED_TRACE(input);
         const int length = static_cast<int>(rate);
