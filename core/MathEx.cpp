@@ -1,5 +1,7 @@
 #include "core/MathEx.h"
 
+#include <algorithm>
+#include <bit>
 #include <cassert>
 #include <cmath>
 #include <cstdlib>
@@ -17,10 +19,8 @@ float fromDecibel(float db)
 
 int findLargerPowerOfTwo(int n)
 {
-    int power = 1;
-    while (power < n && power < (1 << 30))
-        power *= 2;
-    return power;
+    constexpr int largest = 1 << 30;
+    return n < largest ? static_cast<int>(std::bit_ceil(static_cast<unsigned>(std::max(n, 1)))) : largest;
 }
 
 int findNearestPowerOfTwo(int n)
