@@ -36,7 +36,26 @@ void FirFilter::setLoadDistribution(bool enable, int period)
 
 void FirFilter::setImpulseResponse(const Signal32& impulseResponse) { setMultipleIRs({impulseResponse}); }
 
-void FirFilter::setMultipleIRs(const std::vector<Signal32>& responses)
+void FirFilter::setMultipleIRs(const std::vector<Signal32>& responses) { installIRs(responses, nullptr); }
+
+std::unique_ptr<FirFilter> FirFilter::prepareIRs(const std::vector<Signal32>& responses,
+                                                 int blockLength) const
+{
+    auto prepared = std::make_unique<FirFilter>();
+    prepared->setLoadDistribution(loadDistribution, loadDistributionPeriod);
+    prepared->impulseResponses = responses;
+    prepared->numImpulseResponses = static_cast<int>(responses.size());
+    prepared->numChannels = responses.front().numChannels;
+    if (blockLength > 0)
+        prepared->updateBlockSize(blockLength);
+    prepared->setMultipleIRs(responses);
+    return prepared;
+}
+
+void FirFilter::takeIRs(FirFilter& prepared) { installIRs(prepared.impulseResponses, &prepared); }
+
+/** @param prepared  where spectra may be found, or null */
+void FirFilter::installIRs(const std::vector<Signal32>& responses, FirFilter* prepared)
 {
     assert(!responses.empty());
     impulseResponses = responses;
@@ -59,13 +78,13 @@ void FirFilter::setMultipleIRs(const std::vector<Signal32>& responses)
     updatePartitionSizes();
     updatePartitions();
     if (blockPartitionSize > 0 && blockPartition == nullptr)
-        blockPartition = createHead(blockPartitionSize);
+        blockPartition = createHead(blockPartitionSize, prepared);
     else if (auto* head = getPartitionedHead())
     {
         head->setNumSlices(countHeadSlices(head->getSize()));
-        head->setImpulseResponses(impulseResponses);
+        installIRs(*head, prepared);
     }
-    choosePlayers();
+    choosePlayers(prepared);
 
     // The first response tells the length; the heads share a past, so a shorter one is filled up.
     const int numTaps = std::min(impulseResponses.front().numSamples, headLength);
@@ -85,6 +104,31 @@ void FirFilter::setMultipleIRs(const std::vector<Signal32>& responses)
     const int wanted = std::max(blockPartitionSize, headLength) + covered + input.maxBlockSize;
     if (wanted > input.capacity)
         input.resize(wanted);
+}
+
+void FirFilter::installIRs(Partition& partition, FirFilter* prepared) const
+{
+    if (auto* twin = prepared != nullptr ? prepared->findLike(partition) : nullptr)
+        partition.swapImpulseResponses(*twin);
+    else
+        partition.setImpulseResponses(impulseResponses);
+}
+
+/** One that has the present responses, or null. */
+FirFilter::Partition* FirFilter::findLike(const Partition& partition) const
+{
+    const auto isLike = [&](const Partition* other)
+    {
+        return other != nullptr && other->offset == partition.offset && other->fftSize == partition.fftSize &&
+               other->numSlices == partition.numSlices;
+    };
+    if (auto* head = getPartitionedHead(); isLike(head))
+        return head;
+    if (isLike(tail.get()) && tail->upToDate)
+        return tail.get();
+    const auto found = std::find_if(partitions.begin(), partitions.end(),
+                                    [&](const auto& p) { return p->upToDate && isLike(p.get()); });
+    return found != partitions.end() ? found->get() : nullptr;
 }
 
 //==============================================================================
@@ -129,11 +173,11 @@ void FirFilter::chooseHead(int length)
     }
 }
 
-std::shared_ptr<FirFilter::Partition> FirFilter::createHead(int size) const
+std::shared_ptr<FirFilter::Partition> FirFilter::createHead(int size, FirFilter* prepared) const
 {
     auto head = std::allocate_shared<Partition>(PoolAllocator<Partition>(), numChannels, numImpulseResponses,
                                                 0, size, countHeadSlices(size));
-    head->setImpulseResponses(impulseResponses);
+    installIRs(*head, prepared);
     return head;
 }
 

@@ -87,6 +87,15 @@ public:
         responses of the same shape take effect without a gap. */
     void setMultipleIRs(const std::vector<Signal32>& impulseResponses);
 
+    /** Works out responses for takeIRs, which is then a matter of microseconds. Reads nothing but the load
+        distribution, so another thread may go on processing.
+        @param blockLength  the filter's blockSize, or -1 */
+    std::unique_ptr<FirFilter> prepareIRs(const std::vector<Signal32>& responses, int blockLength) const;
+
+    /** Installs the responses of prepareIRs. If the block length changed meanwhile, what is laid out differently is
+        worked out again. The former spectra stay in prepared. */
+    void takeIRs(FirFilter& prepared);
+
     /** Channel c of the result is channel c of the input through channel c of the first response. */
     Signal32 process(const Signal32& input);
 
@@ -121,6 +130,9 @@ public:
 private:
     static constexpr int noTail = std::numeric_limits<int>::max(); ///< as an offset
 
+    void installIRs(const std::vector<Signal32>& responses, FirFilter* prepared);
+    void installIRs(Partition& partition, FirFilter* prepared) const;
+    Partition* findLike(const Partition& partition) const;
     void updatePartitionSizes();
     void updatePartitions();
     int getTailSliceSize() const;
@@ -128,13 +140,13 @@ private:
     int getTailOffset() const;
     int countHeadSlices(int size) const;
     void updateTail();
-    void choosePlayers();
-    void setPlaying(Partition& partition, bool plays, int numSlices = 1);
+    void choosePlayers(FirFilter* prepared = nullptr);
+    void setPlaying(Partition& partition, bool plays, int numSlices, FirFilter* prepared);
     void shareSpectra();
     int getLookBack() const;
     void updateBlockSize(int length);
     void chooseHead(int length);
-    std::shared_ptr<Partition> createHead(int size) const;
+    std::shared_ptr<Partition> createHead(int size, FirFilter* prepared = nullptr) const;
     Partition* getPartitionedHead() const
     {
         return blockPartition != nullptr ? blockPartition.get() : shortHead.get();
@@ -216,6 +228,9 @@ public:
     /** Takes the slices. A response that ends before the offset gives silence. The queues stay. */
     void setImpulseResponses(const std::vector<Signal32>& responses);
 
+    /** Exchanges them with another partition of the same place, size and number. */
+    void swapImpulseResponses(Partition& other);
+
     /** Another number of slices; the responses are to be set again. */
     void setNumSlices(int slices);
 
@@ -283,6 +298,7 @@ public:
 private:
     bool isPaired() const { return numChannels % 2 == 0; }
     void keepSpectra();
+    void prepareTransforms();
     void transformResponse(const Signal32& padded, Spectrum& result);
     int getLead() const;
     std::int64_t getFrameStart(const Block& block) const { return block.start - getLead(); }

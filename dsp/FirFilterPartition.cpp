@@ -73,12 +73,25 @@ void FirFilter::Partition::keepSpectra()
     spectra->keep(numSlices > 1 && hasSlack() ? numSlices + framesAhead : numSlices);
 }
 
-void FirFilter::Partition::setImpulseResponses(const std::vector<Signal32>& responses)
+void FirFilter::Partition::prepareTransforms()
 {
-    impulseResponseLength = responses.front().numSamples;
     if (fourierTransform.size != fftSize)
         fourierTransform.allocate(fftSize, !isPaired());
     spectra->prepare();
+    slicesDone = 0; // those of the former responses
+}
+
+void FirFilter::Partition::swapImpulseResponses(Partition& other)
+{
+    prepareTransforms();
+    std::swap(impulseResponseLength, other.impulseResponseLength);
+    irSpectra.swap(other.irSpectra);
+}
+
+void FirFilter::Partition::setImpulseResponses(const std::vector<Signal32>& responses)
+{
+    prepareTransforms();
+    impulseResponseLength = responses.front().numSamples;
     // Both separate() and the product's own separation give twice the spectra.
     const float scale = (isPaired() ? 0.25f : 1.0f) / static_cast<float>(fftSize);
     for (std::size_t i = 0; i < irSpectra.size(); ++i)
@@ -94,7 +107,6 @@ void FirFilter::Partition::setImpulseResponses(const std::vector<Signal32>& resp
                                padded.getWriteChannelPtr(channel) + getSize(), length));
         transformResponse(padded, irSpectra[i]);
     }
-    slicesDone = 0; // those of the former responses
 }
 
 void FirFilter::Partition::transformResponse(const Signal32& padded, Spectrum& result)

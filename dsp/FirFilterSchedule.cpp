@@ -148,7 +148,7 @@ void FirFilter::updateTail()
 }
 
 /** Decides which partitions play, and whether the tail does. */
-void FirFilter::choosePlayers()
+void FirFilter::choosePlayers(FirFilter* prepared)
 {
     const auto* head = getPartitionedHead();
     const int headSize = std::max(blockPartitionSize, headLength);
@@ -174,16 +174,16 @@ void FirFilter::choosePlayers()
             if (length % partition.getSize() != 0 || length > mostSlicesInPlace * partition.getSize())
                 break;
             numSlices = length / partition.getSize();
-            setPlaying(**next, false);
+            setPlaying(**next, false, 1, prepared);
         }
-        setPlaying(partition, plays, numSlices);
+        setPlaying(partition, plays, numSlices, prepared);
     }
     if (tail != nullptr)
-        setPlaying(*tail, tailPlays, tail->numSlices);
+        setPlaying(*tail, tailPlays, tail->numSlices, prepared);
     shareSpectra();
 }
 
-void FirFilter::setPlaying(Partition& partition, bool plays, int numSlices)
+void FirFilter::setPlaying(Partition& partition, bool plays, int numSlices, FirFilter* prepared)
 {
     if (plays && (!partition.playing || partition.numSlices != numSlices))
     {
@@ -197,7 +197,7 @@ void FirFilter::setPlaying(Partition& partition, bool plays, int numSlices)
         partition.upToDate = false;
     }
     if (plays && !partition.upToDate)
-        partition.setImpulseResponses(impulseResponses);
+        installIRs(partition, prepared);
     partition.upToDate = partition.upToDate || plays;
     partition.playing = plays;
 }

@@ -54,7 +54,9 @@
 
 #include <array>
 #include <atomic>
+#include <memory>
 #include <mutex>
+#include <vector>
 
 namespace vesk::audio
 {
@@ -168,6 +170,9 @@ private:
     Signal32 getEqFrequencyResponse(int numBins);
     Signal32 createEqualizerImpulseResponse(int length);
     void updatePostProcessor();
+
+    static std::unique_ptr<FirFilter> prepareIRs(const FirFilter& filter, std::recursive_mutex& lockOfFilter,
+                                                 const std::vector<Signal32>& responses);
 
     /** First, so that the pool keeps its blocks until the last stage has given its own back. */
     PoolLease poolLease;

@@ -171,9 +171,10 @@ void Reverberation::updateEarlyReflections()
     for (Signal32& response : responses)
         response = MathEx::fromDecibel(level) * applyFilter(response, equalizer);
 
+    const auto prepared = prepareIRs(earlyReflections, earlyLock, responses);
     const std::scoped_lock lock(earlyLock);
     const RaisedFlag updating(earlyUpdating);
-    earlyReflections.setMultipleIRs(responses);
+    earlyReflections.takeIRs(*prepared);
 }
 
 /** One burst, a channel for each output. Times in seconds. */

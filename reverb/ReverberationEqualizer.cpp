@@ -73,8 +73,9 @@ void Reverberation::updatePostProcessor()
     const Signal32 curve = getEqFrequencyResponse(phaseRandomization.getNumOfBins());
     const Signal32 coefficients = phaseRandomization.getCoefficients(curve);
 
+    const auto prepared = prepareIRs(postProcessor, tailLock, {coefficients});
     const std::scoped_lock lock(tailLock);
-    postProcessor.setImpulseResponse(coefficients);
+    postProcessor.takeIRs(*prepared);
 }
 
 } // namespace vesk::audio

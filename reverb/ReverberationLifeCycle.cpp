@@ -123,6 +123,17 @@ void Reverberation::effectuateParameterChanges()
     rebuildIfDirty(postDirty, [this] { updatePostProcessor(); });
 }
 
+/** Everything about new responses that need not be done under the lock. */
+std::unique_ptr<FirFilter> Reverberation::prepareIRs(const FirFilter& filter,
+                                                     std::recursive_mutex& lockOfFilter,
+                                                     const std::vector<Signal32>& responses)
+{
+    std::unique_lock lock(lockOfFilter);
+    const int blockLength = filter.blockSize;
+    lock.unlock();
+    return filter.prepareIRs(responses, blockLength);
+}
+
 void Reverberation::updatePreDelay()
 {
     const std::scoped_lock lock(tailLock);

@@ -75,7 +75,8 @@ TEST(FirFilterTail, AndPartitionsTakeTurnsWithoutAGap)
 TEST(FirFilterTail, FollowsNewResponses)
 {
     const auto input = makeNoiseSignal(2, 60000, 4);
-    for (const int block : {64, 100, 1024})
+    constexpr int asTheyCome = 0;
+    const auto test = [&](int block, int preparedFor)
     {
         FirFilter filter(makeEchoes(2, 9000, 5));
         int start = 0;
@@ -83,12 +84,16 @@ TEST(FirFilterTail, FollowsNewResponses)
         for (const int length : {9000, 12000, 4000, 30000, 500})
         {
             const auto response = makeEchoes(2, length, 6 + unsigned(length));
-            filter.setImpulseResponse(response);
+            if (preparedFor == asTheyCome)
+                filter.setImpulseResponse(response);
+            else
+                filter.takeIRs(*filter.prepareIRs({response}, preparedFor));
             const int count = 12000 / block * block;
             const auto output =
                 processInBlocks(slice(input, start, count), {block},
                                 [&](const Signal32& samples) { return filter.process(samples); });
-            SCOPED_TRACE(testing::Message() << length << " taps, blocks of " << block);
+            SCOPED_TRACE(testing::Message() << length << " taps, blocks of " << block
+                                            << ", prepared for blocks of " << preparedFor);
             for (int c = 0; c < 2; ++c)
             {
                 Signal32 past(1, start + count), taps(1, length), whole(1, start + count, 0.0f);
@@ -100,7 +105,10 @@ TEST(FirFilterTail, FollowsNewResponses)
             }
             start += count;
         }
-    }
+    };
+    for (const int block : {64, 100, 1024})
+        for (const int preparedFor : {asTheyCome, block, 512})
+            test(block, preparedFor);
 }
 
 } // namespace vesk::audio
