@@ -163,8 +163,7 @@ TEST_F(BadInputTest, PresetFiles)
         {"an unknown entity", time("&<x>;"), 0.0f},
         {"a character that does not exist", time("&#x110000;"), 0.0f},
         {"no character", time("&#;"), 0.0f}};
-    CountingListener listener;
-    plugIn.addListener(&listener);
+    CountingListener listener(plugIn);
     auto& engine = *plugIn.getBaseProcessor();
     for (const auto& row : rows)
     {
@@ -177,7 +176,6 @@ TEST_F(BadInputTest, PresetFiles)
         EXPECT_EQ(plugIn.getCurrentPresetName(), isGood ? "preset" : "old") << row.what;
         EXPECT_EQ(listener.heard.size(), isGood ? 1u : 0u) << row.what;
     }
-    plugIn.removeListener(&listener);
     EXPECT_FALSE(plugIn.importFromPresetFile(file.getSiblingFile("missing.xml")));
 
     const auto whole =

@@ -11,14 +11,12 @@ protected:
     {
         plugIn.factoryPresetFolder = factory.folder;
         plugIn.userPresetFolder = user.folder;
-        plugIn.addListener(&listener);
     }
-    ~PresetLibraryTest() override { plugIn.removeListener(&listener); }
 
     TemporaryFolder factory;
     TemporaryFolder user;
     TestPlugIn plugIn;
-    CountingListener listener;
+    CountingListener listener{plugIn};
 };
 } // namespace
 

@@ -32,12 +32,9 @@ Block header(int count) { return Block("KSEVTSET", 0x10003).integer(count); }
 class StateTest : public ::testing::Test
 {
 protected:
-    StateTest() { plugIn.addListener(&listener); }
-    ~StateTest() override { plugIn.removeListener(&listener); }
-
     TestPlugIn plugIn;
     FakeEngine& engine = plugIn.engine;
-    CountingListener listener;
+    CountingListener listener{plugIn};
     TemporaryFolder folder;
 };
 } // namespace

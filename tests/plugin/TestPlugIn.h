@@ -121,10 +121,16 @@ public:
     FakeEngine& engine;
 };
 
-/** Hears what windows hear. */
+/** Hears what windows hear, for as long as it lives. */
 class CountingListener : public BasePlugInProcessor::Listener
 {
 public:
+    explicit CountingListener(BasePlugInProcessor& plugInToHear) : plugIn(plugInToHear)
+    {
+        plugIn.addListener(this);
+    }
+    ~CountingListener() override { plugIn.removeListener(this); }
+
     void parameterChanged(int index) override
     {
         heard.push_back(index);
@@ -132,6 +138,7 @@ public:
             onChange();
     }
 
+    BasePlugInProcessor& plugIn;
     std::vector<int> heard;
     std::function<void()> onChange;
 };

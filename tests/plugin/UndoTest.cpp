@@ -16,8 +16,7 @@ TEST(UndoTest, GoesBackAndForth)
     values[3] = 5.0f;
     plugIn.setCurrentPresetName("last");
 
-    CountingListener listener;
-    plugIn.addListener(&listener);
+    const CountingListener listener(plugIn);
     for (const float value : {3.0f, 2.0f, 1.0f, 1.0f})
     {
         plugIn.undo();
@@ -38,5 +37,4 @@ TEST(UndoTest, GoesBackAndForth)
     plugIn.addUndoState();
     EXPECT_EQ(plugIn.undoStates.size(), 3u);
     EXPECT_TRUE(plugIn.redoStates.empty());
-    plugIn.removeListener(&listener);
 }

@@ -1,4 +1,5 @@
 #include "tests/render/TestAudio.h"
+#include "tests/support/AudioMeasures.h"
 
 #include "tools/render/RoomPlot.h"
 #include "tools/render/RoomReport.h"
@@ -16,6 +17,7 @@ namespace ambrel::measures
 namespace
 {
 using render::test::createSine;
+using vesk::audio::test::getEnergy;
 
 constexpr double rate = 48000.0;
 
@@ -46,12 +48,6 @@ std::vector<double> squared(std::span<const float> samples)
     return energy;
 }
 
-double energyOf(std::span<const float> samples)
-{
-    return std::transform_reduce(samples.begin(), samples.end(), samples.begin(), 0.0, std::plus(),
-                                 [](double a, double b) { return a * b; });
-}
-
 } // namespace
 
 TEST(OctaveFilter, passesItsOctaveAndNothingElse)
@@ -69,7 +65,7 @@ TEST(OctaveFilter, passesItsOctaveAndNothingElse)
             for (const auto& band : {filter.filter(samples), filter.filterReversed(samples)})
             {
                 const double gain =
-                    10.0 * std::log10(energyOf(std::span(band).subspan(24000, 48000)) / 24000.0);
+                    10.0 * std::log10(getEnergy(std::span(band).subspan(24000, 48000)) / 24000.0);
                 EXPECT_GE(gain, lowest) << centre << " Hz, ratio " << ratio;
                 EXPECT_LE(gain, highest) << centre << " Hz, ratio " << ratio;
             }
@@ -167,7 +163,7 @@ TEST(RoomMeasures, areThoseOfASyntheticRoom)
     EXPECT_NEAR(measures.broadband.earlyDecayTime.value_or(0.0), time, 0.06 * time);
     EXPECT_LT(measures.broadband.straightness.value_or(9.0), 0.5);
     EXPECT_NEAR(measures.broadband.level.value_or(0.0),
-                10.0 * std::log10(energyOf(response.left) + energyOf(response.right)), 0.01);
+                10.0 * std::log10(getEnergy(response.left) + getEnergy(response.right)), 0.01);
     EXPECT_NEAR(*measures.octaves[6].level - *measures.octaves[4].level, 6.0, 1.0)
         << "two octaves up, white noise";
     EXPECT_LT(measures.mixingTime.value_or(9.0), 0.02);
