@@ -86,4 +86,20 @@ TEST(ReverberationParameters, responsesAreRebuiltWhenToldSo)
     }
 }
 
+/** Without channels nothing can be built; the next valid format makes up for it. */
+TEST(ReverberationParameters, formatWithoutChannelsWaits)
+{
+    const Settings settings =
+        wetOnly + Settings{{R::muteTail, 1.0f}, {R::earlyLevel, 18.0f}, {R::roomSize, 50.0f}};
+    Reverberation engine;
+    EXPECT_TRUE(engine.setFormat(AudioFormat(0, 48000.0), AudioFormat(0, 48000.0)));
+    engine.reset();
+    applySettings(engine, settings);
+    const AudioFormat stereo(2, 48000.0);
+    EXPECT_TRUE(engine.setFormat(stereo, stereo));
+    const Signal32 impulse = makeImpulse(2, 20000, {0});
+    EXPECT_EQ(toVector(render(engine, impulse), 0),
+              toVector(render(*makeEngine(2, 48000.0, settings), impulse), 0));
+}
+
 } // namespace vesk::audio
