@@ -208,8 +208,8 @@ IppStatus ippsFFTInv_CCSToR_32f(const std::complex<float>* src, float* dst, cons
 IppStatus ippsFFTFwd_CToC_32f(const float* srcRe, const float* srcIm, float* dstRe, float* dstIm,
                               const FftSpec* spec, std::uint8_t* work);
 
-/** The spectrum of two real signals of N samples at once, of left + j right: N + 1 bins in two arrays, the
-    last one a repetition of bin 0. */
+/** The spectrum of left + j right, two real signals of N samples: N + 1 bins in two arrays, the last one a repetition
+    of bin 0. */
 template <typename T>
 struct StereoSpectrum
 {
@@ -217,32 +217,33 @@ struct StereoSpectrum
     T* im;
 };
 
-/** A real response's spectrum of N/2 + 1 bins in two arrays. */
-struct ResponseSpectrum
-{
-    const float* re = nullptr;
-    const float* im = nullptr;
-};
+/** Bins in a block of separated spectra. */
+inline constexpr int separatedBlock = 16;
 
-/** Half the responses' spectra, from the left and the right input to the left and the right output. Without the
-    two that cross, each channel is filtered by itself. */
-struct StereoFilter
+/** Values of separated spectra, that is of those of two real signals of N = 2 half samples. What meets in a product lies
+    side by side: each block holds left.re, left.im, right.re and right.im of its bins, and behind the blocks of bins 0
+    to half - 1 stand the two values of the middle bin, which is real. */
+constexpr int getSeparatedLength(int half)
 {
-    ResponseSpectrum leftToLeft;
-    ResponseSpectrum rightToRight;
-    ResponseSpectrum rightToLeft = {};
-    ResponseSpectrum leftToRight = {};
-};
+    return ((half + separatedBlock - 1) / separatedBlock + 1) * 4 * separatedBlock;
+}
 
-/** A spectrum and what filters it. */
+/** dst = twice the spectra of the two signals.
+    @param dst   getSeparatedLength(half) values, aligned to 64 bytes */
+IppStatus separateStereoSpectrum_32f(StereoSpectrum<const float> src, float* dst, int half);
+
+/** Separated spectra, and those of the responses that filter them: from both inputs to the left output, and from both
+    to the right one. Without the latter each channel is filtered by itself, through its part of the former. All are
+    aligned to 64 bytes. */
 struct StereoTerm
 {
-    StereoSpectrum<const float> src;
-    StereoFilter filter;
+    const float* src;
+    const float* toLeft;
+    const float* toRight = nullptr;
 };
 
-/** dst = the sum of the terms, each filtered, or dst += that sum; N = 2 half. Either all filters cross or none. What
-    is left in dst's last bin means nothing. Not in place.
+/** dst = the sum of the terms, each filtered, or dst += that sum; N = 2 half. Either all terms have both responses or
+    none. What is left in dst's last bin means nothing.
     @param terms  not empty */
 IppStatus filterStereoSpectra_32f(std::span<const StereoTerm> terms, StereoSpectrum<float> dst, int half,
                                   bool accumulate);

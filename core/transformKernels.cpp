@@ -252,6 +252,16 @@ IppStatus ippsFFTFwd_CToC_32f(const float* srcRe, const float* srcIm, float* dst
     return ippStsNoErr;
 }
 
+IppStatus separateStereoSpectrum_32f(StereoSpectrum<const float> src, float* dst, int half)
+{
+    if (half < 1)
+        return ippStsSizeErr;
+    if (src.re == nullptr || src.im == nullptr || dst == nullptr)
+        return ippStsNullPtrErr;
+    getKernels().separateStereo(src, dst, static_cast<std::size_t>(half));
+    return ippStsNoErr;
+}
+
 IppStatus filterStereoSpectra_32f(std::span<const StereoTerm> terms, StereoSpectrum<float> dst, int half,
                                   bool accumulate)
 {
@@ -259,16 +269,9 @@ IppStatus filterStereoSpectra_32f(std::span<const StereoTerm> terms, StereoSpect
         return ippStsSizeErr;
     if (dst.re == nullptr || dst.im == nullptr)
         return ippStsNullPtrErr;
-    const auto isThere = [](const ResponseSpectrum& response)
-    { return response.re != nullptr && response.im != nullptr; };
-    const auto isHalf = [](const ResponseSpectrum& response)
-    { return (response.re == nullptr) != (response.im == nullptr); };
-    const bool crosses = isThere(terms.front().filter.rightToLeft);
-    for (const auto& [src, filter] : terms)
-        if (src.re == nullptr || src.im == nullptr || !isThere(filter.leftToLeft) ||
-            !isThere(filter.rightToRight) || isThere(filter.rightToLeft) != crosses ||
-            isThere(filter.leftToRight) != crosses || isHalf(filter.rightToLeft) ||
-            isHalf(filter.leftToRight))
+    const bool crosses = terms.front().toRight != nullptr;
+    for (const auto& [src, toLeft, toRight] : terms)
+        if (src == nullptr || toLeft == nullptr || (toRight != nullptr) != crosses)
             return ippStsNullPtrErr;
     getKernels().filterStereo(terms, dst, static_cast<std::size_t>(half), accumulate);
     return ippStsNoErr;

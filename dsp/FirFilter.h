@@ -51,11 +51,11 @@ public:
     class Partition;
     class IppFirFilter;
 
-    /** Of an even number of channels in parts: two arrays, real and imaginary, for each complex signal. Of an odd
-        number in bins. */
+    /** Of an even number of channels as pairs in one of the layouts of kernels.h, of an odd number as bins. */
     struct Spectrum
     {
-        Signal32 parts;
+        Signal32 separated; ///< one channel for each pair
+        Signal32 joint;     ///< of a product, two channels for each pair: real and imaginary parts
         ComplexSignal32 bins;
     };
 
@@ -319,7 +319,7 @@ private:
     int samplesToSkip = 0; ///< of the next frame's results: they lie before the first block
     int slicesDone = 0;    ///< of the next frame
     std::vector<Spectrum, PoolAllocator<Spectrum>>
-        products; ///< for each queue; parts only while a frame is worked on
+        products; ///< for each queue; joint only while a frame is worked on
 };
 
 /** The direct-form head: up to 128 taps for each response and channel, over one shared past. */

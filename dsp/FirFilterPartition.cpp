@@ -20,31 +20,7 @@ StereoSpectrum<float> getPair(Signal32& spectra, int pair)
     return {spectra.getWriteChannelPtr(2 * pair), spectra.getWriteChannelPtr(2 * pair + 1)};
 }
 
-StereoSpectrum<const float> getPair(const Signal32& spectra, int pair)
-{
-    return {spectra.getChannelPtr(2 * pair), spectra.getChannelPtr(2 * pair + 1)};
-}
-
 StereoSpectrum<const float> asConst(StereoSpectrum<float> spectrum) { return {spectrum.re, spectrum.im}; }
-
-ResponseSpectrum getChannel(const FirFilter::Spectrum& response, int channel)
-{
-    return {response.parts.getChannelPtr(2 * channel), response.parts.getChannelPtr(2 * channel + 1)};
-}
-
-/** Twice the spectra of the two real signals that went into z, up to the middle bin. */
-void separate(StereoSpectrum<const float> z, int half, StereoSpectrum<float> left,
-              StereoSpectrum<float> right)
-{
-    for (int k = 0; k <= half; ++k)
-    {
-        const int mirrored = 2 * half - k;
-        left.re[k] = z.re[k] + z.re[mirrored];
-        left.im[k] = z.im[k] - z.im[mirrored];
-        right.re[k] = z.im[k] + z.im[mirrored];
-        right.im[k] = z.re[mirrored] - z.re[k];
-    }
-}
 } // namespace
 
 FirFilter::Partition::Partition(int channels, int responses, int start, int size, int slices)
@@ -92,7 +68,7 @@ void FirFilter::Partition::setImpulseResponses(const std::vector<Signal32>& resp
 {
     prepareTransforms();
     impulseResponseLength = responses.front().numSamples;
-    // Both separate() and the product's own separation give twice the spectra.
+    // Separated spectra are twice as large, those of the input and the responses'.
     const float scale = (isPaired() ? 0.25f : 1.0f) / static_cast<float>(fftSize);
     for (std::size_t i = 0; i < irSpectra.size(); ++i)
     {
@@ -117,16 +93,10 @@ void FirFilter::Partition::transformResponse(const Signal32& padded, Spectrum& r
         fourierTransform.forwardReal(padded, result.bins);
         return;
     }
-    result.parts.ensureDimensions(2 * numChannels, getSize() + 1);
-    Signal32 joint(2, fftSize + 1);
+    result.separated.ensureDimensions(numChannels / 2, getSeparatedLength(getSize()));
     for (int channel = 0; channel < numChannels; channel += 2)
-    {
-        const auto pair = getPair(joint, 0);
         fourierTransform.forwardStereo(padded.getChannelPtr(channel), padded.getChannelPtr(channel + 1),
-                                       pair);
-        separate(asConst(pair), getSize(), getPair(result.parts, channel),
-                 getPair(result.parts, channel + 1));
-    }
+                                       result.separated.getWriteChannelPtr(channel / 2));
 }
 
 /** How far before the current block's first sample the next frame starts. */
@@ -160,18 +130,14 @@ void FirFilter::Partition::multiply(int k, int firstSlice)
         return;
     }
     if (firstSlice == 0)
-        product.parts = Signal32(numChannels, fftSize + 1);
-    for (int channel = 0; channel < numChannels; channel += 2)
+        product.joint = Signal32(numChannels, fftSize + 1);
+    for (int pair = 0; pair < numChannels / 2; ++pair)
     {
         terms.clear();
         for (int slice = firstSlice; const auto* input : inputs)
-        {
-            const auto& response = getResponse(k, slice++);
-            terms.push_back({.src = getPair(input->parts, channel / 2),
-                             .filter = {.leftToLeft = getChannel(response, channel),
-                                        .rightToRight = getChannel(response, channel + 1)}});
-        }
-        check(filterStereoSpectra_32f(terms, getPair(product.parts, channel / 2), getSize(), firstSlice > 0));
+            terms.push_back({.src = input->separated.getChannelPtr(pair),
+                             .toLeft = getResponse(k, slice++).separated.getChannelPtr(pair)});
+        check(filterStereoSpectra_32f(terms, getPair(product.joint, pair), getSize(), firstSlice > 0));
     }
 }
 
@@ -189,7 +155,7 @@ void FirFilter::Partition::multiplySummed(int firstSlice)
         return;
     }
     if (firstSlice == 0)
-        product.parts = Signal32(roundUpToEven(numImpulseResponses), fftSize + 1);
+        product.joint = Signal32(roundUpToEven(numImpulseResponses), fftSize + 1);
     for (int k = 0; k < numImpulseResponses; k += 2)
     {
         // With an odd number of outputs the last one is computed twice.
@@ -197,16 +163,14 @@ void FirFilter::Partition::multiplySummed(int firstSlice)
         terms.clear();
         for (int slice = firstSlice; const auto* input : inputs)
         {
-            const auto& left = getResponse(k, slice);
-            const auto& right = getResponse(next, slice++);
-            for (int channel = 0; channel < numChannels; channel += 2)
-                terms.push_back({.src = getPair(input->parts, channel / 2),
-                                 .filter = {.leftToLeft = getChannel(left, channel),
-                                            .rightToRight = getChannel(right, channel + 1),
-                                            .rightToLeft = getChannel(left, channel + 1),
-                                            .leftToRight = getChannel(right, channel)}});
+            const auto& left = getResponse(k, slice).separated;
+            const auto& right = getResponse(next, slice++).separated;
+            for (int pair = 0; pair < numChannels / 2; ++pair)
+                terms.push_back({.src = input->separated.getChannelPtr(pair),
+                                 .toLeft = left.getChannelPtr(pair),
+                                 .toRight = right.getChannelPtr(pair)});
         }
-        check(filterStereoSpectra_32f(terms, getPair(product.parts, k / 2), getSize(), firstSlice > 0));
+        check(filterStereoSpectra_32f(terms, getPair(product.joint, k / 2), getSize(), firstSlice > 0));
     }
 }
 
@@ -230,12 +194,12 @@ void FirFilter::Partition::queueProduct(std::size_t index, int channels)
     Signal32 frame(isPaired() ? roundUpToEven(channels) : channels, fftSize);
     if (isPaired())
         for (int channel = 0; channel < channels; channel += 2)
-            fourierTransform.inverseStereo(asConst(getPair(product.parts, channel / 2)),
+            fourierTransform.inverseStereo(asConst(getPair(product.joint, channel / 2)),
                                            frame.getWriteChannelPtr(channel),
                                            frame.getWriteChannelPtr(channel + 1));
     else
         fourierTransform.inverseReal(product.bins, frame);
-    product.parts = {};
+    product.joint = {};
     frame.numChannels = channels;
     frame.numSamples = getSize();
     queues[index].add(frame);

@@ -77,11 +77,10 @@ void FirFilter::FrameSpectra::transform(CircularBuffer<Signal32>& input, int sta
     const auto getSource = [&](int channel)
     { return inOnePiece ? input.find(channel, start, frameSize) : joined.getChannelPtr(channel); };
 
-    spectrum.parts.ensureDimensions(numChannels, frameSize + 1);
+    spectrum.separated.ensureDimensions(numChannels / 2, getSeparatedLength(frameSize / 2));
     for (int channel = 0; channel < numChannels; channel += 2)
-        fourierTransform.forwardStereo(
-            getSource(channel), getSource(channel + 1),
-            {spectrum.parts.getWriteChannelPtr(channel), spectrum.parts.getWriteChannelPtr(channel + 1)});
+        fourierTransform.forwardStereo(getSource(channel), getSource(channel + 1),
+                                       spectrum.separated.getWriteChannelPtr(channel / 2));
 }
 
 } // namespace vesk::audio

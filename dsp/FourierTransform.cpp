@@ -159,13 +159,16 @@ Signal32 FourierTransform::inverseReal(const ComplexSignal32& input)
     return output;
 }
 
-void FourierTransform::forwardStereo(const float* left, const float* right,
-                                     StereoSpectrum<float> spectrum) const
+void FourierTransform::forwardStereo(const float* left, const float* right, float* spectra) const
 {
     const Scratch scratch(tables->workBytes);
-    ippsFFTFwd_CToC_32f(left, right, spectrum.re, spectrum.im, complexSpec, scratch.get());
-    spectrum.re[size] = spectrum.re[0];
-    spectrum.im[size] = spectrum.im[0];
+    Signal32 joint(2, size + 1);
+    float* re = joint.getWriteChannelPtr(0);
+    float* im = joint.getWriteChannelPtr(1);
+    ippsFFTFwd_CToC_32f(left, right, re, im, complexSpec, scratch.get());
+    re[size] = re[0];
+    im[size] = im[0];
+    separateStereoSpectrum_32f({re, im}, spectra, size / 2);
 }
 
 void FourierTransform::inverseStereo(StereoSpectrum<const float> spectrum, float* left, float* right) const

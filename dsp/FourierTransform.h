@@ -48,8 +48,10 @@ public:
     Signal32 inverseReal(const ComplexSignal32& input);
 
     /** Of size samples each; needs allocate(size, false).
-        @param spectrum  size + 1 bins */
-    void forwardStereo(const float* left, const float* right, StereoSpectrum<float> spectrum) const;
+        @param spectra  twice those of both signals, separated; getSeparatedLength(size / 2) values */
+    void forwardStereo(const float* left, const float* right, float* spectra) const;
+
+    /** @param spectrum  of left + j right, size bins */
     void inverseStereo(StereoSpectrum<const float> spectrum, float* left, float* right) const;
 
     const FftSpec* complexSpec = nullptr;

@@ -65,6 +65,7 @@ struct KernelTable
     void (*inverseRealTransform)(const Complex* src, float* dst, const FftTables& tables, float* work);
     void (*complexTransform)(const float* srcRe, const float* srcIm, float* dstRe, float* dstIm,
                              const FftTables& tables, float* work);
+    void (*separateStereo)(StereoSpectrum<const float> z, float* dst, std::size_t half);
     void (*filterStereo)(std::span<const StereoTerm> terms, StereoSpectrum<float> w, std::size_t half,
                          bool accumulate);
 

@@ -67,6 +67,7 @@ const KernelTable& getTable()
         .forwardRealTransform = forwardRealTransform,
         .inverseRealTransform = inverseRealTransform,
         .complexTransform = complexTransform,
+        .separateStereo = separateStereo,
         .filterStereo = filterStereo,
         .fir = fir,
         .recursive32 = recursive32,

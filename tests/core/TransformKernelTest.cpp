@@ -160,56 +160,48 @@ TEST_P(TransformKernel, FiltersTwoSignalsAsFourCircularConvolutionsDo)
 {
     for (int order = 1; order <= 9; ++order)
     {
-        Transform transform(order, false), real(order, true);
+        Transform transform(order, false);
         const auto n = transform.length;
         const auto length = static_cast<int>(n);
-        const Samples left = makeNoise(length, 1), right = makeNoise(length, 2);
-        Samples responses[4];
-        std::vector<Complex> bins[4];
-        std::vector<float> parts[8]; // real and imaginary
-        for (unsigned i = 0; i < 4; ++i)
+        const int half = length / 2;
+        using Separated = std::vector<float, PoolAllocator<float>>; // aligned
+        const auto separate = [&](const Samples& left, const Samples& right)
         {
-            responses[i] = makeNoise(length, 3 + i);
-            bins[i].resize(n / 2 + 1);
-            real.forward(responses[i].data(), bins[i].data());
-            for (const auto bin : bins[i])
-            {
-                parts[2 * i].push_back(bin.real());
-                parts[2 * i + 1].push_back(bin.imag());
-            }
-        }
-
-        Samples re(n + 1), im(n + 1);
-        transform.run(left.data(), right.data(), re.data(), im.data());
-        re[n] = re[0];
-        im[n] = im[0];
-
-        const auto getResponse = [&](std::size_t i) {
-            return ResponseSpectrum{parts[2 * i].data(), parts[2 * i + 1].data()};
+            Samples re(n + 1), im(n + 1);
+            transform.run(left.data(), right.data(), re.data(), im.data());
+            re[n] = re[0];
+            im[n] = im[0];
+            Separated separated(static_cast<std::size_t>(getSeparatedLength(half)));
+            EXPECT_EQ(separateStereoSpectrum_32f({re.data(), im.data()}, separated.data(), half),
+                      ippStsNoErr);
+            return separated;
         };
-        const StereoFilter channelwise{.leftToLeft = getResponse(0), .rightToRight = getResponse(1)};
-        StereoFilter crossed = channelwise;
-        crossed.rightToLeft = getResponse(2);
-        crossed.leftToRight = getResponse(3);
 
-        // Crossed, then with the channelwise product added: the own paths count twice.
+        const Samples left = makeNoise(length, 1), right = makeNoise(length, 2);
+        const Samples leftToLeft = makeNoise(length, 3), rightToLeft = makeNoise(length, 4);
+        const Samples leftToRight = makeNoise(length, 5), rightToRight = makeNoise(length, 6);
+        const auto source = separate(left, right);
+        const auto toLeft = separate(leftToLeft, rightToLeft);
+        const auto toRight = separate(leftToRight, rightToRight);
+        const auto own = separate(leftToLeft, rightToRight);
+
+        // Crossed, then with the channelwise product added: the own paths count twice more.
         Samples productRe(n + 1), productIm(n + 1);
         const StereoSpectrum<float> product{productRe.data(), productIm.data()};
-        const StereoSpectrum<const float> source{re.data(), im.data()};
-        const StereoTerm crossedTerm[] = {{source, crossed}};
-        const StereoTerm channelwiseTerms[] = {{source, channelwise}, {source, channelwise}};
-        ASSERT_EQ(filterStereoSpectra_32f(crossedTerm, product, length / 2, false), ippStsNoErr);
-        ASSERT_EQ(filterStereoSpectra_32f(channelwiseTerms, product, length / 2, true), ippStsNoErr);
+        const StereoTerm crossed[] = {{source.data(), toLeft.data(), toRight.data()}};
+        const StereoTerm channelwise[] = {{source.data(), own.data()}, {source.data(), own.data()}};
+        ASSERT_EQ(filterStereoSpectra_32f(crossed, product, half, false), ippStsNoErr);
+        ASSERT_EQ(filterStereoSpectra_32f(channelwise, product, half, true), ippStsNoErr);
 
-        // The inverse has real and imaginary parts exchanged; the product's separation doubles.
+        // The inverse has real and imaginary parts exchanged; each separation doubles.
         Samples outLeft(n), outRight(n);
         transform.run(productIm.data(), productRe.data(), outRight.data(), outLeft.data());
         std::vector<double> expectedLeft(n), expectedRight(n);
-        const double scale = 2.0 * static_cast<double>(n);
-        addCircularConvolution(left, responses[0], 3.0, expectedLeft);
-        addCircularConvolution(right, responses[2], 1.0, expectedLeft);
-        addCircularConvolution(right, responses[1], 3.0, expectedRight);
-        addCircularConvolution(left, responses[3], 1.0, expectedRight);
+        const double scale = 4.0 * static_cast<double>(n);
+        addCircularConvolution(left, leftToLeft, 3.0, expectedLeft);
+        addCircularConvolution(right, rightToLeft, 1.0, expectedLeft);
+        addCircularConvolution(right, rightToRight, 3.0, expectedRight);
+        addCircularConvolution(left, leftToRight, 1.0, expectedRight);
         for (std::size_t i = 0; i < n; ++i)
         {
             ASSERT_NEAR(double(outLeft[i]) / scale, expectedLeft[i], 2e-5) << "length " << n;
@@ -247,17 +239,14 @@ TEST_P(TransformKernel, RefusesWhatItCannotDo)
               ippStsContextMatchErr);
 
     const StereoSpectrum<float> spectrum{samples, samples};
-    const ResponseSpectrum response{samples, samples};
-    const StereoTerm incomplete[] = {{{samples, samples}, {response, {}}}};
-    const StereoTerm mixed[] = {{{samples, samples}, {response, response}},
-                                {{samples, samples}, {response, response, response, response}}};
-    const ResponseSpectrum realOnly{samples, nullptr};
-    const StereoTerm halved[] = {{{samples, samples}, {response, response, realOnly, realOnly}}};
-    EXPECT_EQ(filterStereoSpectra_32f(incomplete, spectrum, 8, false), ippStsNullPtrErr);
-    EXPECT_EQ(filterStereoSpectra_32f(halved, spectrum, 8, false), ippStsNullPtrErr);
-    EXPECT_EQ(filterStereoSpectra_32f(mixed, spectrum, 8, false), ippStsNullPtrErr);
+    const StereoTerm incomplete[] = {{samples, nullptr}};
+    const StereoTerm mixed[] = {{samples, samples}, {samples, samples, samples}};
+    EXPECT_EQ(filterStereoSpectra_32f(incomplete, spectrum, 16, false), ippStsNullPtrErr);
+    EXPECT_EQ(filterStereoSpectra_32f(mixed, spectrum, 16, false), ippStsNullPtrErr);
+    EXPECT_EQ(filterStereoSpectra_32f({}, spectrum, 16, false), ippStsSizeErr);
+    EXPECT_EQ(separateStereoSpectrum_32f({samples, nullptr}, samples, 16), ippStsNullPtrErr);
     EXPECT_EQ(filterStereoSpectra_32f(std::span(mixed).first(1), spectrum, 0, false), ippStsSizeErr);
-    EXPECT_EQ(filterStereoSpectra_32f({}, spectrum, 8, false), ippStsSizeErr);
+    EXPECT_EQ(separateStereoSpectrum_32f({samples, samples}, samples, 0), ippStsSizeErr);
 }
 
 } // namespace
