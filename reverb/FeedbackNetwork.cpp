@@ -8,6 +8,7 @@
 #include <cassert>
 #include <cmath>
 #include <numbers>
+#include <utility>
 
 namespace vesk::audio
 {
@@ -58,13 +59,10 @@ FeedbackNetwork::FeedbackNetwork() = default;
 //==============================================================================
 // Set up
 
-void FeedbackNetwork::setLines(int channels, double rate, float roomSize)
+FeedbackNetwork::Lines::Lines(int channels, double rate, float roomSize)
+    : numChannels(channels), sampleRate(rate), roomScale(1.0f + 4.0f * roomSize / 100.0f)
 {
     assert(channels <= maxChannels && channels != 3);
-    numChannels = channels;
-    sampleRate = rate;
-    roomScale = 1.0f + 4.0f * roomSize / 100.0f;
-    filters.clear(); // what they hold would come back as a faint copy of the earlier tail
     if (channels < 1)
         return;
 
@@ -87,12 +85,11 @@ void FeedbackNetwork::setLines(int channels, double rate, float roomSize)
             const double stretch = std::pow(step, getChannelRank(channel, channels));
             Ring& ring = rings[index(channel)][index(n)];
             ring.length = static_cast<int>(stretch * static_cast<double>(delay) * sampleRate);
-            ring.position = 0;
             total += getRoom(ring);
         }
 
-    ringMemory.assign(index(total), 0.0f);
-    float* next = ringMemory.data();
+    memory.assign(index(total), 0.0f);
+    float* next = memory.data();
     for (int channel = 0; channel < channels; ++channel)
         for (auto& ring : rings[index(channel)])
         {
@@ -101,30 +98,42 @@ void FeedbackNetwork::setLines(int channels, double rate, float roomSize)
         }
 }
 
+void FeedbackNetwork::setLines(int channels, double sampleRate, float roomSize)
+{
+    Lines newLines(channels, sampleRate, roomSize);
+    swapLines(newLines);
+}
+
+void FeedbackNetwork::swapLines(Lines& newLines)
+{
+    std::swap(lines, newLines);
+    filters.clear(); // what they hold would come back as a faint copy of the earlier tail
+}
+
 void FeedbackNetwork::setDecay(const Decay& decay)
 {
     const bool shelfActive = std::abs(decay.lowTimeScale - 100.0f) > shelfTolerance;
 
-    const float nyquist = 0.5f * static_cast<float>(sampleRate);
+    const float nyquist = 0.5f * static_cast<float>(lines.sampleRate);
     const auto dampingFrequency = static_cast<double>(std::min(nyquist, decay.dampingFrequency));
     const auto crossoverFrequency = static_cast<double>(std::min(0.9f * nyquist, decay.crossoverFrequency));
     const float lowTime = decay.reverbTime * decay.lowTimeScale / 100.0f;
 
     for (int n = 0; n < numLines; ++n)
     {
-        const float delay = roomScale * lineDelayTimes[index(n)];
+        const float delay = lines.roomScale * lineDelayTimes[index(n)];
         const float midGain = matrixNormalisation * MathEx::reverbTimeToGain(decay.reverbTime, delay);
         const float lowGain = matrixNormalisation * MathEx::reverbTimeToGain(lowTime, delay);
         const float gain = std::max(lowGain, lowestLineGain);
 
         // Longer lines damp more: the exponent grows with the delay, the less the lower the corner is.
-        const double openness = std::sin(dampingFrequency * std::numbers::pi / sampleRate);
+        const double openness = std::sin(dampingFrequency * std::numbers::pi / lines.sampleRate);
         const auto relativeDelay =
             static_cast<double>(lineDelayTimes[index(n)]) / static_cast<double>(lineDelayTimes[0]);
         const double smoothing = 1.0 - std::pow(openness, std::pow(relativeDelay, std::sqrt(openness)));
 
-        const auto [b, a] = IirCoefficients::createHighShelf(crossoverFrequency,
-                                                             static_cast<double>(midGain / gain), sampleRate);
+        const auto [b, a] = IirCoefficients::createHighShelf(
+            crossoverFrequency, static_cast<double>(midGain / gain), lines.sampleRate);
         const std::array shelf{b[0] / a[0], b[1] / a[0], b[2] / a[0], a[1] / a[0], a[2] / a[0]};
         filters.setLine(index(n), static_cast<double>(gain), smoothing, shelfActive ? &shelf : nullptr);
     }
@@ -135,8 +144,8 @@ void FeedbackNetwork::setDecay(const Decay& decay)
 
 Signal32 FeedbackNetwork::process(const Signal32& input)
 {
-    assert(numChannels > 0 && getLineLength(0, 0) > 0);
-    Signal32 output(numChannels, input.numSamples);
+    assert(lines.numChannels > 0 && getLineLength(0, 0) > 0);
+    Signal32 output(lines.numChannels, input.numSamples);
     // The first channel of the first line is the shortest of all.
     const int limit = std::min(getLineLength(0, 0), frameLimit);
     for (int start = 0; start < input.numSamples; start += limit)
@@ -147,17 +156,17 @@ Signal32 FeedbackNetwork::process(const Signal32& input)
 void FeedbackNetwork::processFrame(const Signal32& input, Signal32& output, int start, int length)
 {
     FeedbackFrame frame{
-        .numChannels = numChannels, .length = length, .ownShare = ownShare, .crossShare = crossShare};
-    for (int channel = 0; channel < numChannels; ++channel)
+        .numChannels = lines.numChannels, .length = length, .ownShare = ownShare, .crossShare = crossShare};
+    for (int channel = 0; channel < lines.numChannels; ++channel)
     {
         frame.input[index(channel)] = input.getChannelPtr(channel) + start;
         frame.output[index(channel)] = output.getWriteChannelPtr(channel) + start;
-        for (std::size_t n = 0; n < rings[index(channel)].size(); ++n)
-            frame.memory[index(channel)][n] = rings[index(channel)][n].open(length);
+        for (std::size_t n = 0; n < lines.rings[index(channel)].size(); ++n)
+            frame.memory[index(channel)][n] = lines.rings[index(channel)][n].open(length);
     }
     check(runFeedbackFrame_32f(filters, frame));
-    for (int channel = 0; channel < numChannels; ++channel)
-        for (auto& ring : rings[index(channel)])
+    for (int channel = 0; channel < lines.numChannels; ++channel)
+        for (auto& ring : lines.rings[index(channel)])
             ring.close(length);
 }
 

@@ -58,24 +58,6 @@ public:
         float dampingFrequency;   ///< Hz
     };
 
-    FeedbackNetwork();
-
-    /** Sizes all lines and empties them and the filters: nothing of the earlier tail is left. To be followed by
-        setDecay.
-        @param channels  1, 2 or 4
-        @param roomSize  percent: 0 scales the delays by 1, 100 by 5 */
-    void setLines(int channels, double sampleRate, float roomSize);
-
-    /** Sets gains and filters under a running tail, whose filters keep their state. */
-    void setDecay(const Decay& decay);
-
-    /** A block of setLines' channels, of any length. The first sound comes one line delay after the input. */
-    Signal32 process(const Signal32& input);
-
-    /** Samples in a line's channel: its delay. */
-    int getLineLength(int line, int channel) const { return rings[index(channel)][index(line)].length; }
-
-private:
     /** Memory of one line's channel. position is where the oldest sample is read and the newest written. Behind
         the end there is room for one more frame, so that frames that reach over it are contiguous too. */
     struct Ring
@@ -91,19 +73,49 @@ private:
         void close(int frameLength);
     };
 
+    /** All lines of a room, empty at first. */
+    struct Lines
+    {
+        Lines() = default;
+
+        /** @param channels  1, 2 or 4
+            @param roomSize  percent: 0 scales the delays by 1, 100 by 5 */
+        Lines(int channels, double sampleRate, float roomSize);
+
+        Lines(Lines&&) = default; // the rings stay where they are
+        Lines& operator=(Lines&&) = default;
+
+        int numChannels = 0;
+        double sampleRate = 0.0;
+        float roomScale = 1.0f; ///< 1 to 5
+        std::array<FeedbackLines::PerLine<Ring>, maxChannels> rings;
+        std::vector<float, PoolAllocator<float>> memory; ///< of the rings
+    };
+
+    FeedbackNetwork();
+
+    /** Puts in new lines and empties the filters: nothing of the earlier tail is left. To be followed by setDecay. */
+    void setLines(int channels, double sampleRate, float roomSize);
+
+    /** The same with lines that were made beforehand, since their memory is large. The former ones go to newLines. */
+    void swapLines(Lines& newLines);
+
+    /** Sets gains and filters under a running tail, whose filters keep their state. */
+    void setDecay(const Decay& decay);
+
+    /** A block of setLines' channels, of any length. The first sound comes one line delay after the input. */
+    Signal32 process(const Signal32& input);
+
+    /** Samples in a line's channel: its delay. */
+    int getLineLength(int line, int channel) const { return lines.rings[index(channel)][index(line)].length; }
+
+private:
     static constexpr std::size_t index(int i) { return static_cast<std::size_t>(i); }
 
     void processFrame(const Signal32& input, Signal32& output, int start, int length);
 
-    int numChannels = 0;
-    double sampleRate = 0.0;
-    float roomScale = 1.0f; ///< 1 to 5
-
-    /** The shelf works in double precision: far below the sample rate the poles crowd at 1, and in single
-        precision rounding alone can raise the loop's gain above 1 (a crossover of 50 Hz at 192 kHz does it). */
+    Lines lines;
     FeedbackLines filters;
-    std::array<FeedbackLines::PerLine<Ring>, maxChannels> rings;
-    std::vector<float, PoolAllocator<float>> ringMemory;
 };
 
 } // namespace vesk::audio

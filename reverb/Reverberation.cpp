@@ -61,11 +61,14 @@ void Reverberation::setParameterValue(int index, float value, bool effectuateNow
 
     if (getParameterValue(index) != clamped)
     {
+        const ParameterInfo& info = getInfo(index);
+        const float stored = toStoredValue(info.unit, clamped);
+        // Made ready and let go of while nobody waits for a lock.
+        auto lines = (info.effects & rebuildsLines) != 0 ? createLines(stored) : FeedbackNetwork::Lines();
         const std::scoped_lock tail(tailLock);
         const std::scoped_lock early(earlyLock);
-        const ParameterInfo& info = getInfo(index);
-        parameters[info.index].store(toStoredValue(info.unit, clamped), std::memory_order_relaxed);
-        applyParameterChange(index);
+        parameters[info.index].store(stored, std::memory_order_relaxed);
+        applyParameterChange(info.effects, lines);
     }
     if (effectuateNow)
         effectuateParameterChanges();

@@ -145,7 +145,7 @@ private:
 
     // Life cycle (ReverberationLifeCycle.cpp)
     void choosePlan();
-    void applyParameterChange(int index);
+    void applyParameterChange(unsigned effects, FeedbackNetwork::Lines& lines);
     void updatePreDelay();
     void updateModulation();
 
@@ -156,6 +156,8 @@ private:
     Signal32 applyStereoSpread(const Signal32& signal, float spread);
 
     // Tail (ReverberationTail.cpp)
+    FeedbackNetwork::Lines createLines(float size) const;
+    void installLines(FeedbackNetwork::Lines& lines);
     void updateRoomSize();
     void updateGains();
     Signal32 processTail(const Signal32& input);

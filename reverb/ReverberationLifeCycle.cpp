@@ -97,16 +97,17 @@ void Reverberation::choosePlan()
 //==============================================================================
 // Parameter changes
 
-/** Called under both locks, the new value being stored. */
-void Reverberation::applyParameterChange(int index)
+/** Called under both locks, the new value being stored.
+    @param effects  of ParameterEffect
+    @param lines    the network's, if they are to be rebuilt */
+void Reverberation::applyParameterChange(unsigned effects, FeedbackNetwork::Lines& lines)
 {
-    const unsigned effects = parameterTable[static_cast<std::size_t>(index)].effects;
     if ((effects & outdatesEarly) != 0)
         earlyDirty.store(true, std::memory_order_release);
     if ((effects & outdatesPost) != 0)
         postDirty.store(true, std::memory_order_release);
     if ((effects & rebuildsLines) != 0)
-        updateRoomSize();
+        installLines(lines);
     if ((effects & updatesGains) != 0)
         updateGains();
     if ((effects & updatesPreDelay) != 0)

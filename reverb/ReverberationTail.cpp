@@ -5,14 +5,26 @@
 namespace vesk::audio
 {
 
-/** Empties the network: there is no other way to clear it. */
-void Reverberation::updateRoomSize()
+FeedbackNetwork::Lines Reverberation::createLines(float size) const
+{
+    return {tailChannels, inputFormat.sampleRate, size};
+}
+
+/** Gets the former ones, for whoever called to let go of outside of the lock. */
+void Reverberation::installLines(FeedbackNetwork::Lines& lines)
 {
     {
         const std::scoped_lock lock(tailLock);
-        network.setLines(tailChannels, inputFormat.sampleRate, get(roomSize));
+        network.swapLines(lines);
     }
     updateGains();
+}
+
+/** Empties the network: there is no other way to clear it. */
+void Reverberation::updateRoomSize()
+{
+    auto lines = createLines(get(roomSize));
+    installLines(lines);
 }
 
 void Reverberation::updateGains()
