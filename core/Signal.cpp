@@ -66,7 +66,8 @@ class SignalData<T>::Allocator
 public:
     using value_type = Object;
 
-    /** @param blockRoom  receives the room of the block that is taken */
+    /** @param blockRoom  receives the room of the block that is taken. The copy that stays behind to give the block back
+        has no more use for it. */
     Allocator(std::size_t bytes, std::byte*& blockRoom) : roomBytes(bytes), room(&blockRoom) {}
 
     template <typename Other>

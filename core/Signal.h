@@ -55,7 +55,8 @@ private:
     class Allocator;
 
 public:
-    /** For create alone. */
+    /** For create alone.
+        @param room  by reference, as it is known only once the object's own memory is there */
     SignalData(const Layout& layout, std::byte* const& room);
 };
 

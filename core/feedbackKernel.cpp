@@ -10,8 +10,8 @@ namespace vesk::audio
 
 namespace
 {
-/** Leads from a line's shelf states (band, low) to the memory of the transposed direct form II, which tells what the
-    past adds to the coming outputs. */
+/** Leads from a line's shelf states (band, low) to the memory of the transposed direct form II: that is the next output
+    without input, and the one after it plus a1 times the next. */
 struct ToDirectForm
 {
     ToDirectForm(const FeedbackLines::Shelf& shelf, std::size_t line)
@@ -28,7 +28,7 @@ struct ToDirectForm
         second[1] = first[0] * -s * t + first[1] * (1.0 - l * t) + a1 * first[1];
     }
 
-    double first[2]; ///< what both states add to the next output
+    double first[2]; ///< what both states add to each
     double second[2];
 };
 } // namespace
@@ -85,6 +85,8 @@ void FeedbackLines::setShelf(std::size_t line, double gain, const std::array<dou
     {
         const auto oldBand = static_cast<double>(state.band[line]);
         const auto oldLow = static_cast<double>(state.low[line]);
+        if (oldBand == 0.0 && oldLow == 0.0)
+            continue; // whatever the former taps were, and whether or not there is a way back
         const double first = former.first[0] * oldBand + former.first[1] * oldLow;
         const double second = former.second[0] * oldBand + former.second[1] * oldLow;
         state.band[line] =

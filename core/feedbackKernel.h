@@ -46,11 +46,12 @@ struct FeedbackLines
     template <typename T>
     using PerLine = std::array<T, numLines>;
 
-    /** Sets a line's filters and leaves alone what they remember. Both filters remember as the transposed
-        direct form II does: by what the past adds to the coming outputs. So the sound goes on without a jump.
+    /** Sets a line's filters, which go on with what they remember as the transposed direct form II does: what the past
+        adds to the coming outputs stays, so the sound goes on without a jump.
         @param gain   of the line, with the matrix's normalisation
         @param pole   of the low-pass y[i] = (1 - pole) x[i] + pole y[i - 1]
-        @param shelf  b0, b1, b2, a1, a2 for a0 = 1; null for none: its memory rests. All lines or none. */
+        @param shelf  b0, b1, b2, a1, a2 for a0 = 1, stable and without poles on the unit circle; null for none: its
+                      memory rests. All lines or none. */
     void setLine(std::size_t line, double gain, double pole, const std::array<double, 5>* shelf);
 
     /** Forgets the past. */

@@ -46,15 +46,18 @@ std::unique_ptr<FirFilter> FirFilter::prepareIRs(const std::vector<Signal32>& re
     prepared->impulseResponses = responses;
     prepared->numImpulseResponses = static_cast<int>(responses.size());
     prepared->numChannels = responses.front().numChannels;
+    prepared->updatePartitionSizes();
+    prepared->updatePartitions();
     if (blockLength > 0)
         prepared->updateBlockSize(blockLength);
-    prepared->setMultipleIRs(responses);
+    else
+        prepared->choosePlayers();
     return prepared;
 }
 
 void FirFilter::takeIRs(FirFilter& prepared) { installIRs(prepared.impulseResponses, &prepared); }
 
-/** @param prepared  where spectra may be found, or null */
+/** @param prepared  where their spectra may be found, or null */
 void FirFilter::installIRs(const std::vector<Signal32>& responses, FirFilter* prepared)
 {
     assert(!responses.empty());
@@ -82,7 +85,7 @@ void FirFilter::installIRs(const std::vector<Signal32>& responses, FirFilter* pr
     else if (auto* head = getPartitionedHead())
     {
         head->setNumSlices(countHeadSlices(head->getSize()));
-        installIRs(*head, prepared);
+        installInto(*head, prepared);
     }
     choosePlayers(prepared);
 
@@ -106,12 +109,16 @@ void FirFilter::installIRs(const std::vector<Signal32>& responses, FirFilter* pr
         input.resize(wanted);
 }
 
-void FirFilter::installIRs(Partition& partition, FirFilter* prepared) const
+void FirFilter::installInto(Partition& partition, FirFilter* prepared) const
 {
     if (auto* twin = prepared != nullptr ? prepared->findLike(partition) : nullptr)
+    {
         partition.swapImpulseResponses(*twin);
+        twin->upToDate = false;
+    }
     else
         partition.setImpulseResponses(impulseResponses);
+    partition.upToDate = true;
 }
 
 /** One that has the present responses, or null. */
@@ -119,15 +126,15 @@ FirFilter::Partition* FirFilter::findLike(const Partition& partition) const
 {
     const auto isLike = [&](const Partition* other)
     {
-        return other != nullptr && other->offset == partition.offset && other->fftSize == partition.fftSize &&
-               other->numSlices == partition.numSlices;
+        return other != nullptr && other->upToDate && other->offset == partition.offset &&
+               other->fftSize == partition.fftSize && other->numSlices == partition.numSlices;
     };
     if (auto* head = getPartitionedHead(); isLike(head))
         return head;
-    if (isLike(tail.get()) && tail->upToDate)
+    if (isLike(tail.get()))
         return tail.get();
-    const auto found = std::find_if(partitions.begin(), partitions.end(),
-                                    [&](const auto& p) { return p->upToDate && isLike(p.get()); });
+    const auto found =
+        std::find_if(partitions.begin(), partitions.end(), [&](const auto& p) { return isLike(p.get()); });
     return found != partitions.end() ? found->get() : nullptr;
 }
 
@@ -177,7 +184,7 @@ std::shared_ptr<FirFilter::Partition> FirFilter::createHead(int size, FirFilter*
 {
     auto head = std::allocate_shared<Partition>(PoolAllocator<Partition>(), numChannels, numImpulseResponses,
                                                 0, size, countHeadSlices(size));
-    installIRs(*head, prepared);
+    installInto(*head, prepared);
     return head;
 }
 

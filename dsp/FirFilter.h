@@ -20,8 +20,8 @@
 
     Most partitions of this schedule are played by others, for less: a partition can hold many equal slices, all of
     them over the same spectra of the input, with a single transform back. An FFT head plays the first partitions so,
-    and a tail the long ones (F. Wefers, "Partitioned convolution algorithms for real-time auralization", 2015). The
-    tail's results are due a frame later than its input is complete, so it works in small steps, in blocks that have
+    a tail the long ones, and between them one partition the next (F. Wefers, "Partitioned convolution algorithms for
+    real-time auralization", 2015). The tail's results are due a frame later than its input is complete, so it works in small steps, in blocks that have
     little else to do, and no block pays for a large transform. Under a head longer than the tail's slices the
     schedule itself plays.
 
@@ -93,7 +93,7 @@ public:
     std::unique_ptr<FirFilter> prepareIRs(const std::vector<Signal32>& responses, int blockLength) const;
 
     /** Installs the responses of prepareIRs. If the block length changed meanwhile, what is laid out differently is
-        worked out again. The former spectra stay in prepared. */
+        worked out again. The former spectra stay in prepared, which is used up. */
     void takeIRs(FirFilter& prepared);
 
     /** Channel c of the result is channel c of the input through channel c of the first response. */
@@ -131,7 +131,7 @@ private:
     static constexpr int noTail = std::numeric_limits<int>::max(); ///< as an offset
 
     void installIRs(const std::vector<Signal32>& responses, FirFilter* prepared);
-    void installIRs(Partition& partition, FirFilter* prepared) const;
+    void installInto(Partition& partition, FirFilter* prepared) const;
     Partition* findLike(const Partition& partition) const;
     void updatePartitionSizes();
     void updatePartitions();
@@ -141,7 +141,7 @@ private:
     int countHeadSlices(int size) const;
     void updateTail();
     void choosePlayers(FirFilter* prepared = nullptr);
-    void setPlaying(Partition& partition, bool plays, int numSlices, FirFilter* prepared);
+    void play(Partition& partition, int numSlices, FirFilter* prepared);
     void shareSpectra();
     int getLookBack() const;
     void updateBlockSize(int length);
@@ -286,7 +286,7 @@ public:
     int fftSize; ///< twice the partition's size
     int impulseResponseLength = 0;
     bool active = true;    ///< the head does not take this slice's place
-    bool playing = false;  ///< and none of the head, the tail and the partition before plays it
+    bool playing = false;  ///< and none of the head, the tail and an earlier partition plays it
     bool upToDate = false; ///< it has the present responses
     std::vector<SignalQueue<Signal32>, PoolAllocator<SignalQueue<Signal32>>> queues;
     std::vector<Spectrum, PoolAllocator<Spectrum>>

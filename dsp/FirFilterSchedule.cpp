@@ -21,6 +21,13 @@ constexpr int mostHeadSlices = 8;
 constexpr int mostSlicesInPlace = 3;
 
 int getEnd(const FirFilter::Partition& partition) { return partition.offset + partition.getSize(); }
+
+/** Whether a partition can play all up to the end of a later one in a few slices of its own. */
+bool canTakeIn(const FirFilter::Partition& partition, const FirFilter::Partition& later)
+{
+    const int length = getEnd(later) - partition.offset;
+    return length % partition.getSize() == 0 && length <= mostSlicesInPlace * partition.getSize();
+}
 } // namespace
 
 /** The schedule: sizes double, each partition starts where the one before ends. With load distribution an
@@ -89,7 +96,8 @@ int FirFilter::getTailSliceSize() const
     return size;
 }
 
-/** The last partition can be longer than what is left for it. */
+/** Of all that plays: the last partition can be longer than what is left for it, while the schedule cuts responses that
+    are longer than the first one. */
 int FirFilter::getResponsesEnd() const
 {
     int end = 0;
@@ -147,7 +155,8 @@ void FirFilter::updateTail()
         tail->setNumSlices(numSlices);
 }
 
-/** Decides which partitions play, and whether the tail does. */
+/** Decides which partitions play, in how many slices, and whether the tail does.
+    @param prepared  where the responses' spectra may be found, or null */
 void FirFilter::choosePlayers(FirFilter* prepared)
 {
     const auto* head = getPartitionedHead();
@@ -155,7 +164,7 @@ void FirFilter::choosePlayers(FirFilter* prepared)
     const int headEnd = head != nullptr ? head->numSlices * head->getSize() : headLength;
     const bool tailPlays = tail != nullptr && blockPartitionSize < tail->getSize();
     const int responsesEnd = partitions.empty() ? 0 : getResponsesEnd();
-    const auto isPlayed = [&](const Partition& partition)
+    const auto isLeft = [&](const Partition& partition)
     {
         const bool isInHead =
             partition.offset >= headSize && std::min(getEnd(partition), responsesEnd) <= headEnd;
@@ -163,43 +172,46 @@ void FirFilter::choosePlayers(FirFilter* prepared)
         return partition.active && !isInHead && !isInTail;
     };
 
-    for (auto next = partitions.begin(); next != partitions.end();)
+    for (auto first = partitions.begin(); first != partitions.end();)
     {
-        auto& partition = **next++;
-        const bool plays = isPlayed(partition);
-        int numSlices = 1;
-        for (; plays && next != partitions.end() && isPlayed(**next); ++next)
+        auto& partition = **first++;
+        if (!isLeft(partition))
         {
-            const int length = getEnd(**next) - partition.offset;
-            if (length % partition.getSize() != 0 || length > mostSlicesInPlace * partition.getSize())
-                break;
-            numSlices = length / partition.getSize();
-            setPlaying(**next, false, 1, prepared);
+            partition.playing = false;
+            continue;
         }
-        setPlaying(partition, plays, numSlices, prepared);
+        int end = getEnd(partition);
+        for (; first != partitions.end() && isLeft(**first) && canTakeIn(partition, **first); ++first)
+        {
+            end = getEnd(**first);
+            (*first)->playing = false;
+        }
+        const int length = std::min(end, responsesEnd) - partition.offset;
+        play(partition, (length + partition.getSize() - 1) / partition.getSize(), prepared);
     }
-    if (tail != nullptr)
-        setPlaying(*tail, tailPlays, tail->numSlices, prepared);
+    if (tailPlays)
+        play(*tail, tail->numSlices, prepared);
+    else if (tail != nullptr)
+        tail->playing = false;
     shareSpectra();
 }
 
-void FirFilter::setPlaying(Partition& partition, bool plays, int numSlices, FirFilter* prepared)
+void FirFilter::play(Partition& partition, int numSlices, FirFilter* prepared)
 {
-    if (plays && (!partition.playing || partition.numSlices != numSlices))
+    if (!partition.playing || partition.numSlices != numSlices)
     {
         // What was queued belongs to another time or to other slices: it goes on from the history.
         partition.reset();
         partition.alignFrames(position);
+        partition.playing = true;
     }
-    if (plays && partition.numSlices != numSlices)
+    if (partition.numSlices != numSlices)
     {
         partition.setNumSlices(numSlices);
         partition.upToDate = false;
     }
-    if (plays && !partition.upToDate)
-        installIRs(partition, prepared);
-    partition.upToDate = partition.upToDate || plays;
-    partition.playing = plays;
+    if (!partition.upToDate)
+        installInto(partition, prepared);
 }
 
 /** Transforms each frame once for all that need it: those whose frames start at the same places in the stream. */

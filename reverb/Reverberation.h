@@ -145,6 +145,8 @@ private:
 
     // Life cycle (ReverberationLifeCycle.cpp)
     void choosePlan();
+    static std::unique_ptr<FirFilter> prepareIRs(const FirFilter& filter, std::recursive_mutex& lockOfFilter,
+                                                 const std::vector<Signal32>& responses);
     void applyParameterChange(unsigned effects, FeedbackNetwork::Lines& lines);
     void updatePreDelay();
     void updateModulation();
@@ -172,9 +174,6 @@ private:
     Signal32 getEqFrequencyResponse(int numBins);
     Signal32 createEqualizerImpulseResponse(int length);
     void updatePostProcessor();
-
-    static std::unique_ptr<FirFilter> prepareIRs(const FirFilter& filter, std::recursive_mutex& lockOfFilter,
-                                                 const std::vector<Signal32>& responses);
 
     /** First, so that the pool keeps its blocks until the last stage has given its own back. */
     PoolLease poolLease;

@@ -129,10 +129,12 @@ std::unique_ptr<FirFilter> Reverberation::prepareIRs(const FirFilter& filter,
                                                      std::recursive_mutex& lockOfFilter,
                                                      const std::vector<Signal32>& responses)
 {
-    std::unique_lock lock(lockOfFilter);
-    const int blockLength = filter.blockSize;
-    lock.unlock();
-    return filter.prepareIRs(responses, blockLength);
+    const auto getBlockLength = [&]
+    {
+        const std::scoped_lock lock(lockOfFilter);
+        return filter.blockSize;
+    };
+    return filter.prepareIRs(responses, getBlockLength());
 }
 
 void Reverberation::updatePreDelay()

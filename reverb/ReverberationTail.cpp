@@ -15,6 +15,10 @@ void Reverberation::installLines(FeedbackNetwork::Lines& lines)
 {
     {
         const std::scoped_lock lock(tailLock);
+        const bool areOutdated =
+            lines.numChannels != tailChannels || lines.sampleRate != inputFormat.sampleRate;
+        if (areOutdated)
+            lines = createLines(get(roomSize)); // the format has changed meanwhile
         network.swapLines(lines);
     }
     updateGains();

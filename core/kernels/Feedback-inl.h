@@ -165,8 +165,8 @@ HWY_INLINE void storeAcrossLines(D d, hn::VFromD<D> samples, float (*channel)[fe
         hn::Store(samples, d, channel[line + sample % 4] + sample / 4 * 4);
 }
 
-/** The shelf of a vector of lines over count samples of numChannels channels: two side by side hide the latency, and
-    fit into the registers. */
+/** The shelf of a vector of lines over count samples of numChannels channels: two channels side by side hide the
+    latency, and fit into the registers. */
 template <std::size_t numChannels>
 HWY_INLINE void runShelf(FeedbackLines& lines, float (*values)[FeedbackLines::numLines][feedbackLanes],
                          std::size_t firstChannel, std::size_t line, std::size_t count)

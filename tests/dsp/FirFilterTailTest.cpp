@@ -111,4 +111,28 @@ TEST(FirFilterTail, FollowsNewResponses)
             test(block, preparedFor);
 }
 
+TEST(FirFilterTail, NothingIsLeftToWorkOutWhenPreparedResponsesAreTaken)
+{
+    for (const int block : {32, 64, 100, 512, 1024, 8192})
+        for (const int length : {500, 9000, 30000, 96000})
+        {
+            FirFilter filter;
+            filter.setLoadDistribution(true, 4);
+            filter.setImpulseResponse(makeEchoes(2, 9000, 1));
+            filter.process(makeNoiseSignal(2, block, 3));
+            const auto prepared = filter.prepareIRs({makeEchoes(2, length, 2)}, filter.blockSize);
+            filter.takeIRs(*prepared);
+
+            // What was taken is no longer there.
+            std::vector<const FirFilter::Partition*> parts = {
+                prepared->tail.get(), prepared->blockPartition.get(), prepared->shortHead.get()};
+            for (const auto& partition : prepared->partitions)
+                parts.push_back(partition.get());
+            for (const auto* part : parts)
+                EXPECT_FALSE(part != nullptr && part->upToDate)
+                    << part->getSize() << " from " << part->offset << " on, blocks of " << block << ", "
+                    << length << " taps";
+        }
+}
+
 } // namespace vesk::audio
