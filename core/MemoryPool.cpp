@@ -5,6 +5,7 @@
 #include <atomic>
 #include <bit>
 #include <cstdint>
+#include <limits>
 #include <new>
 #include <utility>
 
@@ -17,6 +18,9 @@
 #endif
 #ifdef AMBREL_POISONS_IDLE_BLOCKS
 #include <sanitizer/asan_interface.h>
+#elif __has_include(<sys/mman.h>)
+#define AMBREL_MAPS_LARGE_BLOCKS 1
+#include <sys/mman.h>
 #endif
 
 namespace vesk::audio
@@ -33,7 +37,8 @@ class Store;
 struct alignas(alignment) Header
 {
     std::size_t sizeClass;
-    Store* home; ///< null if the block is not pooled
+    Store* home;       ///< null if the block is not pooled
+    std::size_t bytes; ///< with the header
 };
 
 //==============================================================================
@@ -193,7 +198,7 @@ private:
 };
 
 // Outside of streams the large blocks serve the making of responses, which the system's allocator does not hold up.
-constinit Slots<Bounds{.bytes = std::size_t{128} << 10, .fewest = 0, .most = 512}> generalSlots;
+constinit Slots<Bounds{.bytes = std::size_t{256} << 10, .fewest = 0, .most = 512}> generalSlots;
 
 // A stream of single samples keeps half a second of pre-delay as tens of thousands of blocks, and a change of
 // the block length hands all of them back.
@@ -227,18 +232,44 @@ void setPoisoned([[maybe_unused]] void* block, [[maybe_unused]] bool poisoned) n
 #endif
 }
 
-void* takeFromSystem(std::size_t bytes, const Header& header) noexcept
+#ifdef AMBREL_MAPS_LARGE_BLOCKS
+/** From here on blocks are pages of their own, and go back to the system at once. On the heap they leave holes that the
+    host's small objects settle in, so that the process grows with every change of the room. Heaps that do so by
+    themselves, but raise their limit with use, made it grow by 18 MiB in six hours. */
+constexpr std::size_t smallestMapping = std::size_t{128} << 10;
+
+void* takePages(std::size_t bytes) noexcept
 {
-    auto* memory = ::operator new(bytes, std::align_val_t(alignment), std::nothrow);
+    auto* pages = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    return pages != MAP_FAILED ? pages : nullptr;
+}
+
+void givePages(void* pages, std::size_t bytes) noexcept { munmap(pages, bytes); }
+#else
+constexpr std::size_t smallestMapping = std::numeric_limits<std::size_t>::max();
+
+void* takePages(std::size_t) noexcept { return nullptr; }
+void givePages(void*, std::size_t) noexcept {}
+#endif
+
+void* takeFromSystem(std::size_t bytes, std::size_t sizeClass, Store* home) noexcept
+{
+    auto* memory = bytes >= smallestMapping
+                       ? takePages(bytes)
+                       : ::operator new(bytes, std::align_val_t(alignment), std::nothrow);
     if (memory == nullptr)
         return nullptr;
-    return new (memory) Header(header) + 1;
+    return new (memory) Header{sizeClass, home, bytes} + 1;
 }
 
 void giveToSystem(void* block) noexcept
 {
     setPoisoned(block, false);
-    ::operator delete(static_cast<Header*>(block) - 1, std::align_val_t(alignment));
+    auto* header = static_cast<Header*>(block) - 1;
+    if (header->bytes >= smallestMapping)
+        givePages(header, header->bytes);
+    else
+        ::operator delete(header, std::align_val_t(alignment));
 }
 
 /** What streams need swings by a few blocks, as frames and queues of several lengths come round together: beyond the
@@ -254,7 +285,7 @@ void putSparesBy(std::size_t sizeClass) noexcept
 {
     for (std::size_t count = getSpareCount(sizeClass); count > 0; --count)
     {
-        auto* spare = takeFromSystem(getClassBytes(sizeClass), {sizeClass, &streamStore});
+        auto* spare = takeFromSystem(getClassBytes(sizeClass), sizeClass, &streamStore);
         if (spare == nullptr)
             return;
         setPoisoned(spare, true);
@@ -279,7 +310,7 @@ void* MemoryPool::allocate(std::size_t bytes) noexcept
     const auto total = bytes + sizeof(Header);
     const auto sizeClass = findSizeClass(total);
     if (sizeClass == unpooled)
-        return takeFromSystem(total, {unpooled, nullptr});
+        return takeFromSystem(total, unpooled, nullptr);
 
     auto* store = currentStore;
     void* block = store->shelves[sizeClass].take();
@@ -292,23 +323,23 @@ void* MemoryPool::allocate(std::size_t bytes) noexcept
     }
     if (store == &streamStore)
         putSparesBy(sizeClass);
-    return takeFromSystem(getClassBytes(sizeClass), {sizeClass, store});
+    return takeFromSystem(getClassBytes(sizeClass), sizeClass, store);
 }
 
 void MemoryPool::release(void* block) noexcept
 {
     if (block == nullptr)
         return;
-    const auto [sizeClass, home] = *(static_cast<Header*>(block) - 1);
-    if (home == nullptr)
+    const auto& header = *(static_cast<Header*>(block) - 1);
+    if (header.home == nullptr)
     {
         giveToSystem(block);
         return;
     }
     setPoisoned(block, true);
-    const bool isForeign = home != currentStore && currentStore == &streamStore;
-    auto& store = isForeign ? returnedStore : *home;
-    if (!store.shelves[sizeClass].give(block))
+    const bool isForeign = header.home != currentStore && currentStore == &streamStore;
+    auto& store = isForeign ? returnedStore : *header.home;
+    if (!store.shelves[header.sizeClass].give(block))
         giveToSystem(block);
 }
 

@@ -13,7 +13,6 @@ namespace
 {
 
 using test::makeNoiseSignal;
-using test::slice;
 using test::toVectors;
 
 template <typename T>

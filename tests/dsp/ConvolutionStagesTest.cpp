@@ -38,7 +38,7 @@ TEST(Partition, GivesItsSliceOfTheConvolutionFromFramesQueuedAsSoonAsTheyAreWhol
         int done = 0;
         const auto output =
             processInBlocks(input, blocks,
-                            [&](const Signal32& block)
+                            [&, offset = offset, size = size](const Signal32& block)
                             {
                                 std::vector<Signal32> outputs(1, Signal32(2, block.numSamples));
                                 ring.add(block);

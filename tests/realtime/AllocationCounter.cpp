@@ -3,6 +3,10 @@
 #include <cerrno>
 #include <cstddef>
 
+#include <sys/syscall.h>
+#include <sys/types.h>
+#include <unistd.h>
+
 // What the C library's functions are called behind their public names.
 extern "C"
 {
@@ -82,4 +86,17 @@ AMBREL_REPLACES int posix_memalign(void** block, std::size_t alignment, std::siz
 {
     *block = allocateAligned(alignment, bytes);
     return *block != nullptr ? 0 : ENOMEM;
+}
+
+AMBREL_REPLACES void* mmap(void* address, std::size_t bytes, int protection, int flags, int file,
+                           off_t offset)
+{
+    count();
+    return reinterpret_cast<void*>(syscall(SYS_mmap, address, bytes, protection, flags, file, offset));
+}
+
+AMBREL_REPLACES int munmap(void* address, std::size_t bytes)
+{
+    count();
+    return static_cast<int>(syscall(SYS_munmap, address, bytes));
 }

@@ -2,7 +2,7 @@
     Counts what a thread asks of the system's memory while it is being watched.
 
     Linked into a program, it stands before the C library's malloc, calloc, realloc, free and their aligned
-    relatives, for the program and all its libraries; new and delete go through them. Threads that are not
+    relatives, mmap and munmap, for the program and all its libraries; new and delete go through them. Threads that are not
     watched are not counted.
 
         AllocationCounter counter;
