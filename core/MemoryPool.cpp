@@ -198,7 +198,7 @@ private:
 };
 
 // Outside of streams the large blocks serve the making of responses, which the system's allocator does not hold up.
-constinit Slots<Bounds{.bytes = std::size_t{256} << 10, .fewest = 0, .most = 512}> generalSlots;
+constinit Slots<Bounds{.bytes = std::size_t{128} << 10, .fewest = 0, .most = 512}> generalSlots;
 
 // A stream of single samples keeps half a second of pre-delay as tens of thousands of blocks, and a change of
 // the block length hands all of them back.
@@ -233,10 +233,10 @@ void setPoisoned([[maybe_unused]] void* block, [[maybe_unused]] bool poisoned) n
 }
 
 #ifdef AMBREL_MAPS_LARGE_BLOCKS
-/** From here on blocks are pages of their own, and go back to the system at once. On the heap they leave holes that the
-    host's small objects settle in, so that the process grows with every change of the room. Heaps that do so by
-    themselves, but raise their limit with use, made it grow by 18 MiB in six hours. */
-constexpr std::size_t smallestMapping = std::size_t{128} << 10;
+/** From here on blocks are pages of their own, and go back to the system at once. On the heap they leave holes in which
+    the host's small objects settle, so that the process grows with every change of the room. The C library maps large
+    blocks, too, but raises its limit with use. */
+constexpr std::size_t smallestMapping = std::size_t{256} << 10;
 
 void* takePages(std::size_t bytes) noexcept
 {

@@ -24,13 +24,12 @@ constexpr double referenceNoise = 10.0;
 /** dB. What the hour before has left in the filters moves the level by less than a thousandth. */
 constexpr double largestAllowedDrift = 0.01;
 
-/** MiB. Responses are made in the system's memory, whose pages swing by some ten MiB with their sizes; undo keeps some
-    bytes for each change of program, and now and then there is a block of a size that there was none of before. Under
-    a sanitizer it is mostly the sanitizer that grows. */
+/** MiB. Responses are made in the system's memory, whose pages swing by some MiB with their sizes, and now and then there
+    is a block of a size that there was none of before. Under a sanitizer it is mostly the sanitizer that grows. */
 #ifdef AMBREL_SOAK_IGNORES_MEMORY
 constexpr double largestAllowedGrowth = std::numeric_limits<double>::infinity();
 #else
-constexpr double largestAllowedGrowth = 16.0;
+constexpr double largestAllowedGrowth = 12.0;
 #endif
 
 constexpr double shortestScene = 1.0; // s
@@ -85,6 +84,7 @@ bool Soak::runHour(double seconds, const std::function<bool()>& isTimeUp)
 
     played = 0.0;
     peak = 0.0f;
+    scenes = 0;
     try
     {
         playReference();
@@ -94,6 +94,7 @@ bool Soak::runHour(double seconds, const std::function<bool()>& isTimeUp)
                 return false;
             playScene(random);
         }
+        forgetHistory();
         checkMemory();
     }
     catch (const Fault& fault)
@@ -104,6 +105,15 @@ bool Soak::runHour(double seconds, const std::function<bool()>& isTimeUp)
     wallSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     ++progress.hoursDone;
     return true;
+}
+
+/** Undo keeps every change, without limit. */
+void Soak::forgetHistory()
+{
+    auto& plugIn = host.getPlugIn();
+    for (; scenes > 0; --scenes) // no scene leaves more than one state
+        plugIn.undo();
+    plugIn.addUndoState(); // drops those that redo would go to
 }
 
 /** The wet signal of the default settings. */
@@ -139,6 +149,7 @@ void Soak::playReference()
 void Soak::playScene(juce::Random& random)
 {
     auto& plugIn = host.getPlugIn();
+    ++scenes;
     const double seconds = shortestScene + (longestScene - shortestScene) * random.nextDouble();
     const double end = played + seconds;
 

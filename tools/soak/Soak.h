@@ -54,6 +54,7 @@ public:
     double getLargestGrowth() const { return largestGrowth; }
 
 private:
+    void forgetHistory();
     void playReference();
     void playScene(juce::Random& random);
     void play(double seconds, Host::Input input, bool bypassed = false);
@@ -67,6 +68,7 @@ private:
 
     // Of the present hour.
     double played = 0.0; ///< seconds
+    int scenes = 0;
     double wallSeconds = 0.0;
     float peak = 0.0f;
     double level = 0.0; ///< of the reference passage, dB
