@@ -4,7 +4,7 @@
 
 namespace
 {
-constexpr double smoothRefreshRate = 50.0; // Hz
+constexpr double virtualRefreshRate = 30.0; // Hz
 } // namespace
 
 void supplyMissingRefreshRates()
@@ -13,5 +13,5 @@ void supplyMissingRefreshRates()
     auto& displays = const_cast<juce::Displays&>(juce::Desktop::getInstance().getDisplays());
     for (auto& display : displays.displays)
         if (juce::roundToInt(display.verticalFrequencyHz.value_or(0.0)) == 0)
-            display.verticalFrequencyHz = smoothRefreshRate;
+            display.verticalFrequencyHz = virtualRefreshRate;
 }
