@@ -55,7 +55,12 @@ std::unique_ptr<FirFilter> FirFilter::prepareIRs(const std::vector<Signal32>& re
     return prepared;
 }
 
-void FirFilter::takeIRs(FirFilter& prepared) { installIRs(prepared.impulseResponses, &prepared); }
+void FirFilter::takeIRs(FirFilter& prepared)
+{
+    auto former = impulseResponses;
+    installIRs(prepared.impulseResponses, &prepared);
+    prepared.impulseResponses.swap(former); // to be let go of where nobody waits
+}
 
 /** @param prepared  where their spectra may be found, or null */
 void FirFilter::installIRs(const std::vector<Signal32>& responses, FirFilter* prepared)

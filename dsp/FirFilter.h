@@ -93,7 +93,7 @@ public:
     std::unique_ptr<FirFilter> prepareIRs(const std::vector<Signal32>& responses, int blockLength) const;
 
     /** Installs the responses of prepareIRs. If the block length changed meanwhile, what is laid out differently is
-        worked out again. The former spectra stay in prepared, which is used up. */
+        worked out again. The former responses and spectra go to prepared, which is used up. */
     void takeIRs(FirFilter& prepared);
 
     /** Channel c of the result is channel c of the input through channel c of the first response. */
